@@ -1,0 +1,23 @@
+# veltor_add_test(NAME <name> SOURCES <files...> [LIBS <libs...>] [LABELS <labels...>] [TIMEOUT <s>])
+# One ctest entry per test executable. Host builds label it `unit`, the Windows build `win` (run under Wine
+# through CMAKE_CROSSCOMPILING_EMULATOR); extra labels (e2e) are added as given.
+set(VELTOR_DATA_DIR "${CMAKE_SOURCE_DIR}/../shared/data" CACHE PATH "Real telemetry for tests and tools")
+
+function(veltor_add_test)
+  cmake_parse_arguments(T "" "NAME;TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+  add_executable(${T_NAME} ${T_SOURCES})
+  target_link_libraries(${T_NAME} PRIVATE veltor_core veltor_test_support GTest::gmock_main ${T_LIBS})
+  target_compile_definitions(${T_NAME} PRIVATE VELTOR_DATA_DIR="${VELTOR_DATA_DIR}")
+  if(WIN32)
+    set(labels win ${T_LABELS})
+  else()
+    set(labels unit ${T_LABELS})
+  endif()
+  if(T_TIMEOUT)
+    set(timeout ${T_TIMEOUT})
+  else()
+    set(timeout 300)
+  endif()
+  add_test(NAME ${T_NAME} COMMAND ${T_NAME} --gtest_color=no)
+  set_tests_properties(${T_NAME} PROPERTIES LABELS "${labels}" TIMEOUT ${timeout})
+endfunction()

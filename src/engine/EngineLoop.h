@@ -1,0 +1,359 @@
+#pragma once
+// The engine thread: finds the simulator, silences its force, opens the wheel, and turns each new
+// telemetry frame into a burst of outputs paced on the steady clock. Included by FfbEngine.h.
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "engine/BaseSignal.h"
+#include "engine/FfbEngine.h"
+#include "engine/GripModel.h"
+#include "engine/RoadTexture.h"
+#include "engine/ThreadControl.h"
+#include "recording/RecordingHook.h"
+#include "telemetry/IrsdkClient.h"
+#include "telemetry/SessionInfoScanner.h"
+
+namespace veltor {
+
+constexpr int32_t kSubSampleSpacingMicroseconds = 2760;     // 360 Hz, a little under 1/360 s
+constexpr int32_t kInterpolatedSpacingMicroseconds = 1380;  // 720 Hz
+constexpr int32_t kSpacingSleepMicroseconds = 2000;         // of each 2760 µs gap, given to the scheduler
+constexpr uint32_t kEventWaitMilliseconds = 100;
+constexpr int32_t kRetrySleepMilliseconds = 500;
+constexpr float kParkedSpeed = 2.0f;                        // m/s
+constexpr int32_t kRestoreMaxForce = 2621440;               // 40 Nm × 65536, the simulator's own maximum
+
+// Native force suppression: the simulator's maximum force as newton metres × 65536.
+inline int32_t SuppressionValue(const EngineSettings& settings) {
+    const float newtonMetres =
+        settings.SimucubeMode ? 2000.0f / static_cast<float>(std::max(settings.ForceStrength, 1)) : 10000.0f;
+    return static_cast<int32_t>(newtonMetres * 65536.0f);
+}
+
+// The locals of the engine thread apart from the client and the wheel, and one pass of its loop.
+// Engine thread only: nothing here is touched by another thread.
+template <class Platform>
+class EngineLoop {
+public:
+    using Wheel = typename Platform::Wheel;
+
+    EngineLoop(FfbEngine& engineRef, Wheel& wheelRef) : engine(engineRef), wheel(wheelRef) {}
+
+    // One pass of the loop, steps 1 to 11.
+    void RunPass(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
+        MirrorFailures();
+        if (!client.IsOpen() && !client.Open()) {
+            NoSimulator();
+            return;
+        }
+        if (!FollowConnection(client, window, device)) return;
+        FollowSessionInfo(client);
+        const link::WaitResult waited = link::WaitForEvent(client.DataValidEvent(), kEventWaitMilliseconds);
+        const int64_t t0 = Platform::Now();
+        if (waited == link::WaitResult::Failed) {
+            WaitFailure(client);
+            return;
+        }
+        ProcessFrame(client, t0);
+    }
+
+    // Steps 6 to 11: read, skip a repeat, follow the track, and run the tick on a new frame.
+    void ProcessFrame(IrsdkClient& client, int64_t t0) {
+        if (!client.ReadFrame(frame) || frame.tickCount == lastTick) {
+            PublishIdentity(frame.isOnTrack != 0);
+            return;
+        }
+        lastTick = frame.tickCount;
+        if (frame.isOnTrack == 0) {
+            EndStint();
+            SilenceWheel();
+            ResetTickState();
+            PublishIdentity(false);
+            return;
+        }
+        if (!trackActive) {
+            ResetTickState();
+            engine.clipSamples = engine.clipOver = engine.outSamples = engine.outNonZero = engine.outPeak = 0;
+            trackActive = true;
+        }
+        Tick(t0);
+    }
+
+    // Thread end, steps 1 to 6.
+    void Finish(IrsdkClient& client) {
+        EndStint();
+        SilenceWheel();
+        if (wheelOpen) wheel.Close();
+        wheelOpen = false;
+        RestoreNativeForce();
+        client.Close();
+        engine.UpdateStatus(false, false, L"generic", L"unknown", 0, true);
+    }
+
+    void ResetTickState() {
+        previousFrame = TelemetryFrame{};
+        std::fill(std::begin(correctionRamp), std::end(correctionRamp), 0.0f);
+        lastBase = lastResistance = lastTexture = 0.0f;
+        absPhase = 0.0f;
+    }
+
+    // Locals of the thread.
+    TelemetryFrame frame;
+    TelemetryFrame previousFrame;
+    bool nativeFfbSuppressed = false;
+    bool wheelOpen = false;
+    bool trackActive = false;
+    bool connected = false;
+    int32_t lastTick = -1;
+    int32_t lastSessionInfoUpdate = -1;
+    std::wstring carPath = L"generic";
+    std::wstring driverName = L"unknown";
+    int32_t driverUserId = 0;
+    bool driverNameKnown = true;
+    uint32_t lastFailureCount = 0;
+    float correctionRamp[6] = {};
+    float lastBase = 0.0f;
+    float lastResistance = 0.0f;
+    float lastTexture = 0.0f;
+    float absPhase = 0.0f;
+
+private:
+    void MirrorFailures() {
+        const uint32_t count = wheel.errorCount.load();
+        if (count == lastFailureCount) return;
+        lastFailureCount = count;
+        engine.MirrorOutputFailures(count, wheel.lastError.load());
+    }
+
+    // Step 3. False when the pass ends here (the wheel could not be opened).
+    bool FollowConnection(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
+        connected = client.HasHeader() && (client.Status() & irsdk::kStatusConnected) != 0;
+        if (!connected) return true;  // an open wheel stays open
+        if (!nativeFfbSuppressed) {
+            BroadcastMaxForce(SuppressionValue(engine.CopySettings()));
+            nativeFfbSuppressed = true;
+        }
+        if (!wheelOpen) {
+            if (!wheel.Open(window, &device)) {
+                SilenceWheel();
+                Platform::SleepMilliseconds(kRetrySleepMilliseconds);
+                return false;
+            }
+            wheelOpen = true;
+        }
+        return true;
+    }
+
+    // Step 4: scan the session-info text when its counter moved. The text is copied first, so the
+    // simulator may rewrite its memory during the scan.
+    void FollowSessionInfo(const IrsdkClient& client) {
+        const int32_t update = client.HasHeader() ? client.SessionInfoUpdate() : -1;
+        if (update == lastSessionInfoUpdate) return;
+        SessionIdentity identity;
+        if (client.HasHeader() && client.SessionInfoLen() > 0 && client.CopySessionInfo(sessionText) &&
+            ScanSessionInfo(sessionText.data(), sessionText.size(), identity)) {
+            carPath = identity.carPath;
+            driverName = identity.driverName;
+            driverUserId = identity.driverUserId;
+            driverNameKnown = identity.driverNameKnown;
+        } else {
+            ForgetIdentity();
+        }
+        lastSessionInfoUpdate = update;
+    }
+
+    void ForgetIdentity() {
+        carPath = L"generic";
+        driverName = L"unknown";
+        driverUserId = 0;
+        driverNameKnown = true;
+    }
+
+    void PublishIdentity(bool onTrack) {
+        engine.UpdateStatus(connected, onTrack, carPath, driverName, driverUserId, driverNameKnown);
+    }
+
+    void NoSimulator() {
+        EndStint();
+        if (wheelOpen) wheel.Close();
+        wheelOpen = false;
+        SilenceWheel();
+        nativeFfbSuppressed = false;  // nobody is there to hear a restore
+        ResetTickState();
+        lastSessionInfoUpdate = -1;
+        ForgetIdentity();
+        connected = false;
+        {
+            std::lock_guard guard(engine.statusLock);
+            EngineStatus& s = engine.status;
+            s.connected = false;
+            s.onTrack = false;
+            s.carPath = carPath;
+            s.driverName = driverName;
+            s.driverUserId = driverUserId;
+            s.driverNameKnown = driverNameKnown;
+            s.clippedPercent = 0.0f;
+        }
+        Platform::SleepMilliseconds(kRetrySleepMilliseconds);
+    }
+
+    void WaitFailure(IrsdkClient& client) {
+        RestoreNativeForce();
+        if (wheelOpen) wheel.Close();
+        wheelOpen = false;
+        ResetTickState();
+        client.Close();
+    }
+
+    void RestoreNativeForce() {
+        if (!nativeFfbSuppressed) return;
+        BroadcastMaxForce(kRestoreMaxForce);
+        nativeFfbSuppressed = false;
+    }
+
+    // Publishes the statistics of a stint on track, if one is open, and closes it.
+    void EndStint() {
+        if (trackActive) {
+            engine.ReportClipping();
+            engine.ReportOutput();
+        }
+        trackActive = false;
+    }
+
+    void SilenceWheel() {
+        wheel.outputEnabled.exchange(false);
+        wheel.commandedForce.exchange(0);
+        wheel.dampingPercent.exchange(0);
+        wheel.lockDamping.exchange(false);
+    }
+
+    void StoreForce(int32_t value, int32_t outputIndex) {
+        wheel.commandedForce.exchange(value);
+        Platform::ForceStored(outputIndex, value);
+    }
+
+    // Converts a finished force, counts it for the reports, shapes it and hands it to the wheel.
+    void EmitForce(float force, bool parked, const EngineSettings& settings, int32_t outputIndex) {
+        const int32_t v = ToOutputUnits(force, settings);
+        ++engine.clipSamples;
+        if (v > kHandOverLimit || v < -kHandOverLimit) ++engine.clipOver;
+        const int32_t c = std::clamp(v, -kHandOverLimit, kHandOverLimit);
+        const int32_t s = ShapeOutput(c, parked, settings);
+        ++engine.outSamples;
+        if (s != 0) ++engine.outNonZero;
+        engine.outPeak = std::max(engine.outPeak, s < 0 ? -s : s);
+        StoreForce(std::clamp(s, -kHandOverLimit, kHandOverLimit), outputIndex);
+    }
+
+    // One new frame on track. Allocates nothing and takes only the two short copies' locks.
+    void Tick(int64_t t0) {
+        PublishIdentity(true);
+        const EngineSettings settings = engine.CopySettings();
+        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings);
+        wheel.outputEnabled.exchange(true);
+
+        const SteeringLockResult lock = ComputeSteeringLock(frame, settings);
+        wheel.dampingPercent.exchange(lock.dampingPercent);
+        wheel.lockDamping.exchange(lock.lockDamping);
+        if (lock.pastLock) {
+            StoreForce(lock.stopForce, -1);
+            previousFrame = frame;
+            return;
+        }
+
+        const float crashGain = engine.ComputeCrashGain(frame, settings, Platform::Now());
+        const int n = std::clamp(frame.torqueSampleCount, 1, kMaxSubSamples);
+        const bool parked = std::fabs(frame.speed) < kParkedSpeed;
+        const GripResult grip = ComputeGrip(frame, settings, row);
+        float base[6] = {};
+        float texture[6] = {};
+        float correction[6] = {};
+        float vibration[12] = {};
+        const bool interpolate = settings.Mode == 1 && n > 1;
+        const int m = interpolate ? 2 * n : n;
+        FillAbsVibration(frame, settings, interpolate, m, absPhase, vibration);
+        FillCorrectionRamp(correctionRamp, grip.oversteerTorque, correction);
+        for (int i = 0; i < n; ++i) {
+            base[i] = BaseTorque(frame, grip, i);
+            texture[i] = SubSampleTexture(frame, previousFrame, i, settings);
+        }
+        RecordTick(engine.recorder,
+                   TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings});
+
+        if (interpolate) {
+            InterpolatedBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);
+        } else {
+            TelemetryBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);
+        }
+        lastBase = base[n - 1];
+        lastTexture = texture[n - 1];
+        lastResistance = grip.resistanceTorque;
+        previousFrame = frame;
+    }
+
+    // Sub-sample k goes out 2760 × k µs after t0; no wait follows the last one.
+    void TelemetryBurst(int64_t t0, const EngineSettings& settings, const GripResult& grip, const float* base,
+                        const float* texture, const float* correction, const float* vibration, int n,
+                        float crashGain, bool parked) {
+        for (int i = 0; i + 1 < n && !engine.stopRequested.load(); ++i) {
+            const float f = MixForce(settings, base[i], grip.resistanceTorque, texture[i], vibration[i] + correction[i]);
+            EmitForce(f * crashGain, parked, settings, i);
+            Platform::WaitUntilOffset(t0, kSpacingSleepMicroseconds, (i + 1) * kSubSampleSpacingMicroseconds);
+        }
+        const float last = MixForce(settings, base[n - 1], grip.resistanceTorque, texture[n - 1],
+                                    vibration[n - 1] + correction[n - 1]);
+        EmitForce(last * crashGain, parked, settings, n - 1);
+    }
+
+    // Twice as many outputs, 1380 µs apart, running half a sub-sample behind the telemetry.
+    void InterpolatedBurst(int64_t t0, const EngineSettings& settings, const GripResult& grip, const float* base,
+                           const float* texture, const float* correction, const float* vibration, int n,
+                           float crashGain, bool parked) {
+        const float first = MixForce(settings, (base[0] - lastBase) * 0.5f + lastBase,
+                                     (grip.resistanceTorque - lastResistance) * 0.5f + lastResistance,
+                                     (texture[0] - lastTexture) * 0.5f + lastTexture, vibration[0] + correction[0]);
+        EmitForce(first * crashGain, parked, settings, 0);
+        const int steps = 2 * (n - 1);
+        for (int j = 0; j < steps && !engine.stopRequested.load(); ++j) {
+            const int k = j / 2;
+            float b = base[k];
+            float t = texture[k];
+            if (j % 2 == 1) {
+                b = base[k] + (base[k + 1] - base[k]) * 0.5f;
+                t = texture[k] + (texture[k + 1] - texture[k]) * 0.5f;
+            }
+            const float f = MixForce(settings, b, grip.resistanceTorque, t, vibration[j + 1] + correction[k]);
+            Platform::WaitUntilOffset(t0, 0, (j + 1) * kInterpolatedSpacingMicroseconds);
+            EmitForce(f * crashGain, parked, settings, j + 1);
+        }
+        Platform::WaitUntilOffset(t0, 0, (steps + 1) * kInterpolatedSpacingMicroseconds);
+        const float last = MixForce(settings, base[n - 1], grip.resistanceTorque, texture[n - 1],
+                                    vibration[2 * n - 1] + correction[n - 1]);
+        EmitForce(last * crashGain, parked, settings, 2 * n - 1);
+    }
+
+    FfbEngine& engine;
+    Wheel& wheel;
+    std::string sessionText;  // private copy of the session-info text; reused between scans
+};
+
+// The engine thread's function: start, passes until a stop is asked for, end.
+template <class Platform>
+void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) {
+    engine.running.store(true);
+    SetCurrentThreadPriorityHighest();
+    engine.UpdateStatus(false, false, L"generic", L"unknown", 0, true);
+    BeginSystemTimerPeriod();
+    {
+        IrsdkClient client;
+        typename Platform::Wheel wheel;
+        EngineLoop<Platform> loop(engine, wheel);
+        while (!engine.stopRequested.load()) loop.RunPass(client, window, device);
+        loop.Finish(client);
+    }
+    EndSystemTimerPeriod();
+    engine.running.store(false);
+}
+
+}  // namespace veltor

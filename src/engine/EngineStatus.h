@@ -1,0 +1,27 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace veltor {
+
+// The snapshot the engine thread writes and the GUI copies whole. A reader that polls at its own pace
+// compares the ...Count fields with the values it saw last to notice a new report.
+struct EngineStatus {
+    bool connected = false;
+    bool onTrack = false;
+    bool driverNameKnown = true;
+    float clippedPercent = 0.0f;
+    uint32_t clipReportCount = 0;
+    uint32_t outputFailureCount = 0;
+    uint32_t outputFailureCode = 0;
+    uint32_t onTrackChangeCount = 0;
+    uint32_t outputReportCount = 0;
+    uint32_t outputReportSamples = 0;
+    uint32_t outputReportNonZero = 0;
+    int32_t outputReportPeak = 0;
+    std::wstring carPath = L"generic";
+    std::wstring driverName = L"unknown";
+    int32_t driverUserId = 0;
+};
+
+}  // namespace veltor

@@ -1,0 +1,86 @@
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "engine/EngineSettings.h"
+#include "engine/EngineStatus.h"
+#include "profiles/CarCoefficients.h"
+#include "recording/TelemetryRecorder.h"
+#include "telemetry/TelemetryFrame.h"
+#include "wheel/DeviceGuid.h"
+
+namespace veltor {
+
+// What the GUI thread and the engine thread share. settingsLock and statusLock are never held together,
+// and neither across a wait, a device call or I/O.
+class FfbEngine {
+public:
+    FfbEngine() = default;
+    ~FfbEngine() { Stop(); }
+    FfbEngine(const FfbEngine&) = delete;
+    FfbEngine& operator=(const FfbEngine&) = delete;
+
+    // GUI thread.
+    void PublishSettings(const EngineSettings& newSettings);
+    void PublishOverrides(const std::vector<CarCoefficients>& newOverrides);
+    EngineStatus CopyStatus();
+    void Start(const EngineSettings& current, WindowHandle window, DeviceGuid device);
+    // Start with another platform for the engine thread (tests observe its stores this way).
+    template <class Platform>
+    void StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device);
+    void Stop();
+
+    // Any thread.
+    EngineSettings CopySettings();
+    CarRow ResolveCarRow(std::wstring_view carPath, bool useCarSpecific);
+
+    // Engine thread only.
+    void UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath, std::wstring_view driverName,
+                      int32_t driverUserId, bool driverNameKnown);
+    void ReportClipping();
+    void ReportOutput();
+    float ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now);
+    // The failure mirror: new output failures into the status.
+    void MirrorOutputFailures(uint32_t count, int32_t code);
+
+    EngineSettings settings;                 // GUI writes, engine reads; under settingsLock
+    std::mutex settingsLock;                 // guards settings and overrides
+    std::mutex statusLock;                   // guards status
+    std::atomic<bool> stopRequested{false};  // GUI sets, engine reads
+    std::atomic<bool> running{false};        // engine sets, GUI reads
+    EngineStatus status;                     // engine writes, GUI reads; under statusLock
+    std::vector<CarCoefficients> overrides;  // GUI writes, engine reads; under settingsLock
+    int64_t crashHoldUntil = 0;              // engine thread only, steady-clock ns
+    int32_t clipSamples = 0;                 // engine thread only
+    int32_t clipOver = 0;
+    int32_t outSamples = 0;
+    int32_t outNonZero = 0;
+    int32_t outPeak = 0;
+    TelemetryRecorder recorder;
+    std::thread thread;  // GUI thread; joinable from Start to Stop
+};
+
+template <class Platform>
+void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device);
+
+template <class Platform>
+void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
+    Stop();
+    PublishSettings(current);
+    stopRequested.store(false);
+    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
+    try {
+        thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
+    } catch (const std::system_error&) {
+    }
+}
+
+}  // namespace veltor
+
+#include "engine/EngineLoop.h"

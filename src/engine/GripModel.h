@@ -1,0 +1,23 @@
+#pragma once
+#include "engine/EngineSettings.h"
+#include "profiles/CarCoefficients.h"
+#include "telemetry/TelemetryFrame.h"
+
+namespace veltor {
+
+struct GripResult {
+    float steeringGain = 1.0f;      // factor on the sim's torque, 0.25 to 1.0
+    float resistanceTorque = 0.0f;  // Nm, opposes the steering angle
+    float oversteerTorque = 0.0f;   // Nm, before the correction ramp
+    float forceBalance = 1.0f;      // factor on the sim's torque, 0.5 to 1.5
+    float steerExcess = 0.0f;       // rad
+    float understeerLoad = 0.0f;
+};
+
+// Once per tick, on the frame's single-valued variables. Keeps nothing between ticks.
+GripResult ComputeGrip(const TelemetryFrame& frame, const EngineSettings& settings, const CarRow& row);
+
+// Moves the six carried ramp slots to this tick's oversteer torque and fills one correction per sub-sample.
+void FillCorrectionRamp(float (&correctionRamp)[6], float oversteerTorque, float (&correction)[6]);
+
+}  // namespace veltor

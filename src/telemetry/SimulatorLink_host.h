@@ -1,0 +1,36 @@
+#pragma once
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// The simulator's side of the in-process link that stands in for the named mapping and event on hosts
+// without the simulator. Tests and host tools publish a block here; the client opens it by "name".
+//
+// Edits: a script that must not race the engine's reads changes the block only between BeginEdit and
+// EndEdit. BeginEdit returns once the engine is blocked in its wait on the event, and that wait cannot time
+// out until EndEdit, so every write of the edit happens before the engine's next read.
+namespace veltor::hostsim {
+
+// Creates (or replaces) the published block of `size` zero bytes and the event. Returns the writable base.
+uint8_t* Publish(size_t size);
+// Removes the names, as the simulator's exit would; views already mapped stay readable until unmapped.
+void Withdraw();
+bool IsPublished();
+// Sets the data-valid event (auto-reset: one waiter wakes per set).
+void SignalDataValid();
+// Every wait on the event fails while set, as a wait on a broken handle would.
+void SetWaitFailure(bool fail);
+// Mapping the view fails while set, though the names exist.
+void SetMapViewFailure(bool fail);
+
+bool BeginEdit(std::chrono::milliseconds timeout = std::chrono::milliseconds(5000));
+void EndEdit(bool signal);
+
+// Number of waits on the event that have begun so far.
+uint64_t WaitsBegun();
+// Values received by the maximum-force broadcast, in order.
+std::vector<int32_t> Broadcasts();
+void ClearBroadcasts();
+
+}  // namespace veltor::hostsim

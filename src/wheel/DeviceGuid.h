@@ -1,0 +1,14 @@
+#pragma once
+#include <cstdint>
+
+namespace veltor {
+
+// A DirectInput instance GUID as 16 plain bytes, so portable code can carry it by value.
+struct DeviceGuid {
+    uint8_t bytes[16] = {};
+};
+
+// The main window, as an opaque handle (an HWND on Windows).
+using WindowHandle = void*;
+
+}  // namespace veltor

@@ -1,0 +1,60 @@
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "engine/EnginePlatform.h"
+#include "wheel/DeviceGuid.h"
+
+namespace veltor::test {
+
+struct StoredForce {
+    int32_t outputIndex;
+    int32_t value;
+    int64_t time;  // steady-clock ns at the store
+};
+
+// Every store to commandedForce by the engine thread, in order. Shared across threads under a mutex.
+class ForceLog {
+public:
+    static void Add(StoredForce entry);
+    static std::vector<StoredForce> Take();
+    static size_t Size();
+};
+
+// A wheel for engine tests: the engine's side of the seam, with Open failing on demand and a record of
+// what it was given.
+class RecordingWheel {
+public:
+    RecordingWheel() = default;
+    ~RecordingWheel() { Close(); }
+
+    bool Open(WindowHandle window, const DeviceGuid* device);
+    void Close();
+
+    std::atomic<int32_t> commandedForce{0};
+    std::atomic<int32_t> dampingPercent{0};
+    std::atomic<bool> lockDamping{false};
+    std::atomic<bool> outputEnabled{false};
+    std::atomic<int32_t> lastError{0};
+    std::atomic<uint32_t> errorCount{0};
+
+    // Test controls and observations, shared across threads.
+    static std::atomic<int> opensToFail;
+    static std::atomic<int> opens;
+    static std::atomic<int> closes;
+    static std::atomic<bool> isOpen;
+    static std::atomic<RecordingWheel*> current;  // the wheel the engine thread holds while open
+    static void Reset();
+};
+
+// The product's timing with the wheel above and a log of every force store.
+struct RecordingPlatform : EnginePlatform {
+    using Wheel = RecordingWheel;
+    static void ForceStored(int32_t outputIndex, int32_t value) {
+        ForceLog::Add({outputIndex, value, EnginePlatform::Now()});
+    }
+};
+
+}  // namespace veltor::test
