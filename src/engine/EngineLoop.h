@@ -279,7 +279,8 @@ private:
             texture[i] = SubSampleTexture(frame, previousFrame, i, settings);
         }
         RecordTick(engine.recorder,
-                   TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings});
+                   TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings},
+                   Platform::Now());
 
         if (interpolate) {
             InterpolatedBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);

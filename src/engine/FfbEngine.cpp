@@ -2,7 +2,9 @@
 
 #include "engine/CrashProtection.h"
 #include "engine/EnginePlatform.h"
+#include "engine/SteadyClock.h"
 #include "profiles/CarCatalogue.h"
+#include "recording/RecordingHeader.h"
 
 namespace veltor {
 
@@ -46,6 +48,16 @@ void FfbEngine::Stop() {
     recorder.Stop();
     stopRequested.store(true);
     if (thread.joinable()) thread.join();
+}
+
+bool FfbEngine::BeginRecording(const std::wstring& path, const std::wstring& profileName) {
+    const EngineStatus now = CopyStatus();
+    if (!running.load() || !now.connected || !now.onTrack) return false;
+    const EngineSettings current = CopySettings();
+    const CarRow row = ResolveCarRow(now.carPath, current.UseCarSpecificSettings);
+    const RecordingHeader header =
+        MakeRecordingHeader(now.carPath, now.driverName, profileName, current, row, WallClockMilliseconds());
+    return recorder.Start(path, header, SteadyNowNanoseconds());
 }
 
 void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath,

@@ -35,6 +35,9 @@ public:
     template <class Platform>
     void StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device);
     void Stop();
+    // Starts a recording from the status and settings of this moment; false unless running, connected and
+    // on track, in which case no file is touched.
+    bool BeginRecording(const std::wstring& path, const std::wstring& profileName);
 
     // Any thread.
     EngineSettings CopySettings();

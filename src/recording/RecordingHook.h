@@ -1,6 +1,9 @@
 #pragma once
+#include <cstdint>
+
 #include "engine/EngineSettings.h"
 #include "engine/GripModel.h"
+#include "recording/RecordingSample.h"
 #include "recording/TelemetryRecorder.h"
 #include "telemetry/TelemetryFrame.h"
 
@@ -20,7 +23,11 @@ struct TickSignals {
     const EngineSettings& settings;
 };
 
-// Pushes one sample per tick while a recording runs. No lock, no allocation.
-void RecordTick(TelemetryRecorder& recorder, const TickSignals& tick);
+// The tick's sample: the sub-sample with the strongest texture, mixed as its output would be.
+RecordingSample MakeTickSample(const TickSignals& tick, uint64_t timeMicroseconds);
+
+// Pushes one sample per tick while a recording runs; `now` is the engine's steady clock in ns.
+// No lock, no allocation.
+void RecordTick(TelemetryRecorder& recorder, const TickSignals& tick, int64_t now);
 
 }  // namespace veltor
