@@ -1,0 +1,37 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "IbtImage.h"
+#include "ReplayOptions.h"
+#include "ReplayPlatform.h"
+#include "telemetry/SessionInfoScanner.h"
+
+namespace veltor::replay {
+
+constexpr int64_t kRecordSpacingNanoseconds = 16666667;  // one 60 Hz tick of the virtual clock
+constexpr int32_t kMaxOutputsPerRecord = 12;
+
+struct ReplayResult {
+    SessionIdentity identity;      // the car path as used, after --car
+    std::vector<ForceRow> rows;    // every force store in order
+};
+
+// The identity line printed before the first record, UTF-8.
+std::string IdentityLine(const SessionIdentity& identity);
+
+// Runs every record of `image` through the engine's own pass and tick code, and records if asked to.
+// False with a one-line reason when the recording cannot be started.
+bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& result, std::string& error);
+
+// "frame,output,force" and one line per row.
+std::string FormatCsv(const std::vector<ForceRow>& rows);
+
+// Writes under a temporary name and renames, so a failure leaves no partial file at `path`.
+bool WriteWholeFile(const std::string& path, const std::string& content, std::string& error);
+
+// Command-line text (UTF-8) to wide text.
+std::wstring WidenUtf8(const std::string& text);
+
+}  // namespace veltor::replay
