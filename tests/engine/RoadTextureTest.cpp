@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "engine/RoadTexture.h"
+
+namespace veltor {
+namespace {
+
+EngineSettings Sliders(int32_t bumps, int32_t impacts) {
+    EngineSettings s;
+    s.Bumps = bumps;
+    s.BumpImpacts = impacts;
+    return s;
+}
+
+TEST(ComputeTexture, DefaultSlidersGiveSixHundredFortyNewtonMetresPerMetre) {
+    const EngineSettings s;
+    EXPECT_NEAR(ComputeTexture(0.001f, s), 0.64f, 1e-6f);
+    EXPECT_NEAR(ComputeTexture(-0.02f, s), -12.8f, 1e-5f);
+    EXPECT_EQ(ComputeTexture(0.0f, s), 0.0f);
+}
+
+TEST(ComputeTexture, SplitsRoadAndImpactEquallyAtTheCrossover) {
+    EXPECT_NEAR(ComputeTexture(0.0035f, Sliders(20, 0)), 1.12f, 1e-6f);  // w = 0.5
+    EXPECT_NEAR(ComputeTexture(0.0035f, Sliders(0, 20)), 1.12f, 1e-6f);
+    EXPECT_NEAR(ComputeTexture(0.0035f, Sliders(10, 30)), 0.5f * 0.0035f * (160.0f + 1440.0f), 1e-5f);
+}
+
+TEST(ComputeTexture, ImpactsAloneIgnoreSmallMovementsAndPassLargeOnes) {
+    const EngineSettings s = Sliders(0, 20);
+    EXPECT_LT(std::fabs(ComputeTexture(0.0001f, s)), 1e-4f);  // 0.064 with the road part
+    EXPECT_NEAR(ComputeTexture(-0.1f, s), -64.0f * 0.99878f, 0.01f);
+    EXPECT_EQ(ComputeTexture(0.01f, Sliders(-5, 0)), 0.0f);
+}
+
+TelemetryFrame ShockFrame(float speed, int count, const float* left, const float* right) {
+    TelemetryFrame frame;
+    frame.valid = 1;
+    frame.speed = speed;
+    frame.shockSampleCount = count;
+    for (int i = 0; i < count; ++i) {
+        frame.lfShockDeflSamples[i] = left[i];
+        frame.rfShockDeflSamples[i] = right[i];
+    }
+    frame.lfShockDefl = left[count - 1];
+    frame.rfShockDefl = right[count - 1];
+    return frame;
+}
+
+TelemetryFrame Previous(float left, float right, float centre = 0.0f) {
+    TelemetryFrame frame;
+    frame.valid = 1;
+    frame.lfShockDefl = left;
+    frame.rfShockDefl = right;
+    frame.cfShockDefl = centre;
+    return frame;
+}
+
+constexpr float kRising[6] = {0.001f, 0.002f, 0.003f, 0.004f, 0.005f, 0.006f};
+constexpr float kFlat[6] = {};
+
+TEST(SubSampleTexture, FollowsTheDifferenceOfLeftAndRightMovement) {
+    const TelemetryFrame frame = ShockFrame(20.0f, 6, kRising, kFlat);
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0), i, EngineSettings{}), 0.64f, 1e-4f);
+    const TelemetryFrame mirrored = ShockFrame(20.0f, 6, kFlat, kRising);
+    EXPECT_NEAR(SubSampleTexture(mirrored, Previous(0, 0), 2, EngineSettings{}), -0.64f, 1e-4f);
+    // Both corners lifted alike cancel out.
+    const TelemetryFrame both = ShockFrame(20.0f, 6, kRising, kRising);
+    EXPECT_EQ(SubSampleTexture(both, Previous(0, 0), 3, EngineSettings{}), 0.0f);
+}
+
+TEST(SubSampleTexture, FirstSampleComparesWithThePreviousFramesNewest) {
+    const TelemetryFrame frame = ShockFrame(20.0f, 6, kRising, kFlat);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(-0.002f, 0.0f), 0, EngineSettings{}), 1.92f, 1e-4f);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(-0.002f, 0.0f), 1, EngineSettings{}), 0.64f, 1e-4f);
+}
+
+TEST(SubSampleTexture, SamplesBeyondTheShockCountRepeatTheLastMovement) {
+    const float left[2] = {0.001f, 0.004f};
+    const TelemetryFrame frame = ShockFrame(20.0f, 2, left, kFlat);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0), 1, EngineSettings{}), 1.92f, 1e-4f);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0), 5, EngineSettings{}), 1.92f, 1e-4f);
+}
+
+TEST(SubSampleTexture, IsZeroWithoutAValidPreviousFrameOrAtWalkingSpeed) {
+    const TelemetryFrame frame = ShockFrame(20.0f, 6, kRising, kFlat);
+    EXPECT_EQ(SubSampleTexture(frame, TelemetryFrame{}, 0, EngineSettings{}), 0.0f);
+    EXPECT_EQ(SubSampleTexture(ShockFrame(2.0f, 6, kRising, kFlat), Previous(0, 0), 0, EngineSettings{}), 0.0f);
+    EXPECT_EQ(SubSampleTexture(ShockFrame(-20.0f, 6, kRising, kFlat), Previous(0, 0), 0, EngineSettings{}), 0.0f);
+    EXPECT_EQ(SubSampleTexture(frame, Previous(0, 0), 0, Sliders(0, 0)), 0.0f);
+    EXPECT_GT(SubSampleTexture(frame, Previous(0, 0), 0, Sliders(0, 20)), 0.0f);
+}
+
+TEST(SubSampleTexture, FallsBackOnTheCentreShockAndIsZeroWithNoShocks) {
+    TelemetryFrame frame;
+    frame.valid = 1;
+    frame.speed = 20.0f;
+    EXPECT_EQ(SubSampleTexture(frame, Previous(0, 0), 0, EngineSettings{}), 0.0f);
+    frame.cfShockSampleCount = 3;
+    frame.cfShockDeflSamples[0] = 0.001f;
+    frame.cfShockDeflSamples[1] = 0.003f;
+    frame.cfShockDeflSamples[2] = 0.002f;
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0, 0.002f), 0, EngineSettings{}), -0.64f, 1e-4f);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0), 1, EngineSettings{}), 1.28f, 1e-4f);
+    EXPECT_NEAR(SubSampleTexture(frame, Previous(0, 0), 4, EngineSettings{}), -0.64f, 1e-4f);
+}
+
+TelemetryFrame AbsFrame(bool active) {
+    TelemetryFrame frame;
+    frame.brakeAbsActive = active ? 1 : 0;
+    return frame;
+}
+
+TEST(FillAbsVibration, ThirtyFiveHertzSineOfThreeNewtonMetresByDefault) {
+    float phase = 0.0f;
+    float vibration[12] = {};
+    FillAbsVibration(AbsFrame(true), EngineSettings{}, false, 6, phase, vibration);
+    const double step = 219.9115 / 360.0;
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(vibration[i], 3.0 * std::sin(i * step), 1e-5) << i;
+    EXPECT_EQ(vibration[6], 0.0f);
+    EXPECT_NEAR(phase, 6 * step, 1e-5);
+}
+
+TEST(FillAbsVibration, ContinuesAcrossTicksAndWrapsBelowTwoPi) {
+    float phase = 0.0f;
+    float vibration[12] = {};
+    double expected = 0.0;
+    const double step = 219.9115f / 360.0f;
+    for (int tick = 0; tick < 20; ++tick) {
+        FillAbsVibration(AbsFrame(true), EngineSettings{}, false, 6, phase, vibration);
+        for (int i = 0; i < 6; ++i) {
+            ASSERT_NEAR(vibration[i], 3.0 * std::sin(expected), 2e-4) << tick << " " << i;
+            expected += step;
+        }
+        ASSERT_GE(phase, 0.0f);
+        ASSERT_LT(phase, 6.2831855f);
+    }
+}
+
+TEST(FillAbsVibration, InterpolatedModeStepsAtHalfTheAngle) {
+    float phase = 0.0f;
+    float vibration[12] = {};
+    FillAbsVibration(AbsFrame(true), EngineSettings{}, true, 12, phase, vibration);
+    const double step = 219.9115 / 720.0;
+    for (int i = 0; i < 12; ++i) EXPECT_NEAR(vibration[i], 3.0 * std::sin(i * step), 1e-5) << i;
+}
+
+TEST(FillAbsVibration, RestartsFromPhaseZeroWhenAbsGoesOffAndOn) {
+    float phase = 0.0f;
+    float vibration[12] = {};
+    FillAbsVibration(AbsFrame(true), EngineSettings{}, false, 6, phase, vibration);
+    float off[12] = {};
+    FillAbsVibration(AbsFrame(false), EngineSettings{}, false, 6, phase, off);
+    EXPECT_EQ(phase, 0.0f);
+    for (const float v : off) EXPECT_EQ(v, 0.0f);
+    float again[12] = {};
+    FillAbsVibration(AbsFrame(true), EngineSettings{}, false, 6, phase, again);
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(again[i], vibration[i]);
+}
+
+TEST(FillAbsVibration, AmplitudeIsCappedAtTwentyAndOffAtZero) {
+    EngineSettings s;
+    s.AbsVibration = 150;
+    float phase = 0.0f;
+    float vibration[12] = {};
+    FillAbsVibration(AbsFrame(true), s, false, 6, phase, vibration);
+    EXPECT_NEAR(vibration[3], 20.0 * std::sin(3 * 219.9115 / 360.0), 1e-4);
+    s.AbsVibration = 0;
+    float none[12] = {};
+    FillAbsVibration(AbsFrame(true), s, false, 6, phase, none);
+    EXPECT_EQ(none[3], 0.0f);
+    EXPECT_EQ(phase, 0.0f);
+}
+
+EngineSettings Priority(int32_t priority, int32_t strength = 50) {
+    EngineSettings s;
+    s.SuspensionDetailPriority = priority;
+    s.ForceStrength = strength;
+    return s;
+}
+
+TEST(MixForce, PlainSumWithoutPriorityOrWithATinyTexture) {
+    bool acted = true;
+    EXPECT_FLOAT_EQ(MixForce(Priority(0), 30.0f, 9.0f, -20.0f, 1.0f, &acted), 20.0f);
+    EXPECT_FALSE(acted);
+    acted = true;
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 39.0f, 5.0f, 0.09f, 1.0f, &acted), 45.09f);
+    EXPECT_FALSE(acted);
+}
+
+TEST(MixForce, DucksOpposingTextureByPrioritySlope) {
+    bool acted = false;
+    EXPECT_NEAR(MixForce(Priority(50), 20.0f, 0.0f, -5.0f, 0.0f, &acted), 9.5f, 1e-5f);  // duck 1.1 × 5
+    EXPECT_TRUE(acted);
+    EXPECT_NEAR(MixForce(Priority(100), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 6.6f - 4.0f, 1e-5f);
+    EXPECT_NEAR(MixForce(Priority(150), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 6.6f - 4.0f, 1e-5f);
+    EXPECT_NEAR(MixForce(Priority(1), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 2.244f - 4.0f, 1e-5f);
+    EXPECT_NEAR(MixForce(Priority(50), -20.0f, 2.0f, 5.0f, 1.0f), -17.0f + 5.5f + 5.0f, 1e-5f);
+}
+
+TEST(MixForce, DuckingBringsTheForceToZeroButNeverAcross) {
+    bool acted = false;
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 3.0f, 0.0f, -5.0f, 0.0f, &acted), -5.0f);
+    EXPECT_TRUE(acted);
+}
+
+TEST(MixForce, OpposingTextureBelowTheThresholdIsSimplyAdded) {
+    bool acted = true;
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 20.0f, 0.0f, -2.4f, 0.0f, &acted), 17.6f);  // below 2.5 Nm
+    EXPECT_FALSE(acted);
+    // Strength 10: full scale 200 Nm, threshold 12 Nm.
+    EXPECT_FLOAT_EQ(MixForce(Priority(50, 10), 50.0f, 0.0f, -11.0f, 0.0f), 39.0f);
+    EXPECT_NEAR(MixForce(Priority(50, 10), 50.0f, 0.0f, -12.0f, 0.0f), 50.0f - 13.2f - 12.0f, 1e-4f);
+}
+
+TEST(MixForce, AZeroForceIsNeverDucked) {
+    bool acted = true;
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 0.0f, 0.0f, 5.0f, 0.0f, &acted), 5.0f);
+    EXPECT_FALSE(acted);
+}
+
+TEST(MixForce, AlongsideTextureNearFullScaleShrinksOnlyTheResistance) {
+    bool acted = false;
+    // sum 36, room 40 - 10 = 30: the resistance shrinks from 8 to 2.
+    EXPECT_NEAR(MixForce(Priority(50), 28.0f, 8.0f, 5.0f, 0.0f, &acted), 35.0f, 1e-5f);
+    EXPECT_TRUE(acted);
+    // main already above the room: the resistance goes, base and other stay.
+    EXPECT_NEAR(MixForce(Priority(50), 30.0f, 8.0f, 5.0f, 2.0f), 37.0f, 1e-5f);
+    EXPECT_NEAR(MixForce(Priority(50), -30.0f, -8.0f, -5.0f, 0.0f), -35.0f, 1e-5f);
+}
+
+TEST(MixForce, AlongsideTextureThatFitsOrWithoutResistanceIsAdded) {
+    bool acted = true;
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 25.0f, 8.0f, 5.0f, 0.0f, &acted), 38.0f);
+    EXPECT_FALSE(acted);
+    EXPECT_FLOAT_EQ(MixForce(Priority(50), 45.0f, 0.0f, 5.0f, 0.0f, &acted), 50.0f);
+    EXPECT_FALSE(acted);
+}
+
+TEST(MixForce, ResistanceAgainstTheForceNeitherGrowsNorFlips) {
+    bool acted = true;
+    // Resistance -8 against a main force of 44: the room of 30 would want -14, but it stays at -8.
+    EXPECT_NEAR(MixForce(Priority(50), 44.0f, -8.0f, 5.0f, 0.0f, &acted), 41.0f, 1e-5f);
+    EXPECT_FALSE(acted);
+}
+
+}  // namespace
+}  // namespace veltor

@@ -1,0 +1,76 @@
+// A tick must not allocate: this binary counts every global allocation and runs ticks between two counts.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+
+#include "TickHarness.h"
+#include "recording/RecordingHeader.h"
+
+namespace {
+std::atomic<long> allocations{0};
+}
+
+void* operator new(std::size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+
+namespace veltor::test {
+namespace {
+
+// A lively frame: every stage has work (texture, ABS, grip, crash hold).
+TelemetryFrame BusyFrame(int i) {
+    TelemetryFrame frame = SteadyFrame(8.0f + static_cast<float>(i % 7), 35.0f);
+    frame.velocityY = 3.0f;
+    frame.steeringWheelAngle = 0.6f;
+    frame.yawRate = 0.2f;
+    frame.latAccel = (i % 50 == 0) ? 80.0f : 12.0f;
+    frame.brakeAbsActive = 1;
+    for (int k = 0; k < kMaxSubSamples; ++k) {
+        frame.lfShockDeflSamples[k] = 0.001f * static_cast<float>((i + k) % 5);
+        frame.rfShockDeflSamples[k] = 0.0005f * static_cast<float>((i * k) % 3);
+    }
+    return frame;
+}
+
+long AllocationsOverTicks(TickHarness& harness, int mode, int ticks) {
+    harness.engine.settings.Mode = mode;
+    harness.Run(BusyFrame(0));  // first tick: the snapshot and the status strings take their size
+    const long before = allocations.load();
+    for (int i = 1; i <= ticks; ++i) {
+        TickPlatform::now += 16666667;
+        harness.Run(BusyFrame(i));
+    }
+    return allocations.load() - before;
+}
+
+TEST(TickAllocation, TicksInBothModesAllocateNothing) {
+    for (int mode : {0, 1}) {
+        auto harness = std::make_unique<TickHarness>();
+        EXPECT_EQ(AllocationsOverTicks(*harness, mode, 300), 0) << "mode " << mode;
+        EXPECT_GT(harness->engine.outSamples, 0);
+    }
+}
+
+TEST(TickAllocation, TicksWhileRecordingAllocateNothing) {
+    auto harness = std::make_unique<TickHarness>();
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "veltor_tick_allocation.vtrrec";
+    ASSERT_TRUE(harness->engine.recorder.Start(path.wstring(), RecordingHeader{}, 0));
+    EXPECT_EQ(AllocationsOverTicks(*harness, 1, 300), 0);
+    harness->engine.recorder.Stop();
+    EXPECT_EQ(harness->engine.recorder.DroppedSamples(), 0u);
+    EXPECT_EQ(std::filesystem::file_size(path), 380u + 301u * 88u);
+    std::filesystem::remove(path);
+}
+
+}  // namespace
+}  // namespace veltor::test
