@@ -67,7 +67,8 @@ bool ReadFrameFromBlock(const Block& block, const std::array<int32_t, irsdk::kVa
     using namespace frame_detail;
     if (block.base == nullptr || !block.Contains(0, irsdk::kHeaderSize)) return false;
     const int32_t bufLen = block.LoadI32(irsdk::kBufLenOffset);
-    if (bufLen <= 0) return false;
+    // A buffer longer than the whole block can never be copied whole: fail before sizing the snapshot.
+    if (bufLen <= 0 || !block.Contains(0, bufLen)) return false;
     snapshot.resize(static_cast<size_t>(bufLen));  // grows once; steady running allocates nothing
 
     int32_t tickCount = 0;
