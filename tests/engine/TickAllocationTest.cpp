@@ -1,28 +1,11 @@
 // A tick must not allocate: this binary counts every global allocation and runs ticks between two counts.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <filesystem>
-#include <new>
 
+#include "AllocationCounter.h"
 #include "TickHarness.h"
 #include "recording/RecordingHeader.h"
-
-namespace {
-std::atomic<long> allocations{0};
-}
-
-void* operator new(std::size_t size) {
-    allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace veltor::test {
 namespace {
@@ -45,12 +28,12 @@ TelemetryFrame BusyFrame(int i) {
 long AllocationsOverTicks(TickHarness& harness, int mode, int ticks) {
     harness.engine.settings.Mode = mode;
     harness.Run(BusyFrame(0));  // first tick: the snapshot and the status strings take their size
-    const long before = allocations.load();
+    const long before = AllocationCount();
     for (int i = 1; i <= ticks; ++i) {
         TickPlatform::now += 16666667;
         harness.Run(BusyFrame(i));
     }
-    return allocations.load() - before;
+    return AllocationCount() - before;
 }
 
 TEST(TickAllocation, TicksInBothModesAllocateNothing) {
