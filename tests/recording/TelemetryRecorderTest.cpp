@@ -136,9 +136,8 @@ TEST(TelemetryRecorderFile, StartedAndStoppedAtOnceLeavesTheHeaderAlone) {
     ASSERT_TRUE(recorder->Start(path.wstring(), header, 0));
     recorder->Stop();
     ASSERT_EQ(std::filesystem::file_size(path), 380u);
-    std::ifstream in(path, std::ios::binary);
     RecordingHeader read;
-    in.read(reinterpret_cast<char*>(&read), sizeof read);
+    std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(&read), sizeof read);
     EXPECT_EQ(std::memcmp(&read, &header, sizeof header), 0);
     std::filesystem::remove(path);
 }
