@@ -1,34 +1,17 @@
 // Replay throughput per mode, allocations per tick, and the cost of the recording hook.
 // Usage: pipeline_bench [telemetry.ibt]
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <new>
 #include <string>
 #include <thread>
 
+#include "AllocationCounter.h"
 #include "IbtImage.h"
 #include "ReplaySession.h"
 #include "recording/RecordingHook.h"
-
-namespace {
-std::atomic<long> allocations{0};
-}
-
-void* operator new(std::size_t size) {
-    allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -61,9 +44,9 @@ long AllocationsOfReplay(const IbtImage& source, int records, const ReplayOption
     image.recordCount = records;
     ReplayResult result;
     std::string error;
-    const long before = allocations.load();
+    const long before = test::AllocationCount();
     RunReplay(options, image, result, error);
-    return allocations.load() - before;
+    return test::AllocationCount() - before;
 }
 
 void PrintReplay(const IbtImage& image, int mode) {
@@ -101,7 +84,7 @@ void PrintHookCost() {
         return;
     }
     // Pushes in runs that fit the ring, letting the writer drain between them, so each push lands.
-    const long before = allocations.load();
+    const long before = test::AllocationCount();
     Clock::duration pushing{};
     for (int run = 0; run < kHookCalls / kHookRun; ++run) {
         start = Clock::now();
@@ -110,7 +93,7 @@ void PrintHookCost() {
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
     }
     const double active = Seconds(pushing) * 1e9 / kHookCalls;
-    const long hookAllocations = allocations.load() - before;
+    const long hookAllocations = test::AllocationCount() - before;
     recorder->Stop();
     std::printf("recording hook: %.1f ns/tick recording, %.1f ns/tick idle, %ld allocations, %u of %d dropped\n",
                 active, idle, hookAllocations, recorder->DroppedSamples(), kHookCalls);

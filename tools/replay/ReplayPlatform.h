@@ -1,9 +1,8 @@
 #pragma once
-#include <atomic>
 #include <cstdint>
 #include <vector>
 
-#include "wheel/DeviceGuid.h"
+#include "wheel/WheelOutput.h"
 
 namespace veltor::replay {
 
@@ -14,24 +13,11 @@ struct ForceRow {
     int32_t force;
 };
 
-// The engine's side of a wheel, without a device: nothing reads the atomics.
-struct ReplayWheel {
-    bool Open(WindowHandle, const DeviceGuid*) { return true; }
-    void Close() {}
-
-    std::atomic<int32_t> commandedForce{0};
-    std::atomic<int32_t> dampingPercent{0};
-    std::atomic<bool> lockDamping{false};
-    std::atomic<bool> outputEnabled{false};
-    std::atomic<int32_t> lastError{0};
-    std::atomic<uint32_t> errorCount{0};
-};
-
 // The engine's platform for an offline run on one thread: a virtual steady clock set per record, waits
 // that return at once, and every force store collected into `rows` (reserved ahead, so a tick does not
 // allocate).
 struct ReplayPlatform {
-    using Wheel = ReplayWheel;
+    using Wheel = WheelOutput;  // never opened: the replay only stores to its atomics
 
     static inline int64_t virtualNow = 0;           // ns
     static inline int32_t currentFrame = 0;

@@ -59,7 +59,7 @@ bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& resu
     result.rows.clear();
     result.rows.reserve(static_cast<size_t>(image.recordCount) * kMaxOutputsPerRecord);
     ReplayPlatform::rows = &result.rows;
-    ReplayWheel wheel;
+    WheelOutput wheel;
     EngineLoop<ReplayPlatform> loop(engine, wheel);
     loop.connected = true;
     loop.carPath = result.identity.carPath;
