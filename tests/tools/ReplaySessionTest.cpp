@@ -128,7 +128,7 @@ ReplayResult ReplayFrames(std::vector<TelemetryFrame> frames, int mode = 0) {
     ReplayOptions options;
     options.settings.Mode = mode;
     ReplayResult result;
-    EXPECT_TRUE(RunReplay(options, image, result, error)) << error;
+    EXPECT_TRUE(RunReplay(options, ScanReplayIdentity(options, image), image, result, error)) << error;
     return result;
 }
 
@@ -145,7 +145,6 @@ TEST(RunReplay, EachRecordOnTrackGivesOneRowPerOutput) {
     EXPECT_EQ(result.rows[6].force, -9996);
     EXPECT_EQ(result.rows[7].frame, 3);
     EXPECT_EQ(result.rows[12].force, -1000);
-    EXPECT_EQ(result.identity.carPath, L"generic");
 }
 
 TEST(RunReplay, InterpolatedModeDoublesTheOutputsAndStartsAtHalf) {
@@ -163,6 +162,17 @@ TEST(RunReplay, VirtualClockTimesTheCrashHoldInRecords) {
     ASSERT_EQ(result.rows.size(), 95u * 6u);
     EXPECT_EQ(result.rows[89 * 6].force, 50);   // 1.5 s = 90 records of 16.67 ms
     EXPECT_EQ(result.rows[90 * 6].force, 1000);
+}
+
+TEST(ScanReplayIdentity, FallsBackOnGenericAndTakesTheCarOption) {
+    IbtImage image;
+    std::string error;
+    ASSERT_TRUE(ParseIbtImage(MakeFile({OnTrack(1.0f)}), image, error)) << error;
+    ReplayOptions options;
+    EXPECT_EQ(IdentityLine(ScanReplayIdentity(options, image)), "identity car=generic driver=unknown userId=0 known=1");
+    options.hasCar = true;
+    options.carPath = "rt2000";
+    EXPECT_EQ(ScanReplayIdentity(options, image).carPath, L"rt2000");
 }
 
 TEST(FormatCsv, WritesTheHeaderAndOneLinePerRow) {

@@ -26,8 +26,10 @@ int main(int argc, char** argv) {
     std::string error;
     if (!ParseReplayArguments(argc, argv, options, error)) return Fail(error);
     if (!LoadIbtImage(options.ibtPath, image, error)) return Fail(error);
-    if (!RunReplay(options, image, result, error)) return Fail(error);
+    const veltor::SessionIdentity identity = ScanReplayIdentity(options, image);
+    std::printf("%s\n", IdentityLine(identity).c_str());
+    std::fflush(stdout);
+    if (!RunReplay(options, identity, image, result, error)) return Fail(error);
     if (!WriteWholeFile(options.csvPath, FormatCsv(result.rows), error)) return Fail(error);
-    std::printf("%s\n", IdentityLine(result.identity).c_str());
     return 0;
 }

@@ -15,17 +15,6 @@ namespace {
 
 constexpr wchar_t kReplayProfileName[] = L"Replay";
 
-// The simulator's session-info text, scanned once; "generic" and the other defaults when the scan fails.
-SessionIdentity ScanIdentity(const IrsdkClient& client, const ReplayOptions& options) {
-    SessionIdentity identity;
-    std::string text;
-    if (!client.CopySessionInfo(text) || !ScanSessionInfo(text.data(), text.size(), identity)) {
-        identity = SessionIdentity{};
-    }
-    if (options.hasCar) identity.carPath = WidenUtf8(options.carPath);
-    return identity;
-}
-
 bool StartRecording(FfbEngine& engine, const ReplayOptions& options, const SessionIdentity& identity,
                     std::string& error) {
     const EngineSettings settings = engine.CopySettings();
@@ -39,12 +28,25 @@ bool StartRecording(FfbEngine& engine, const ReplayOptions& options, const Sessi
 
 }  // namespace
 
+SessionIdentity ScanReplayIdentity(const ReplayOptions& options, const IbtImage& image) {
+    SessionIdentity identity;
+    IrsdkClient client;
+    std::string text;
+    if (!client.AttachBlock(image.bytes.data(), image.bytes.size()) || !client.CopySessionInfo(text) ||
+        !ScanSessionInfo(text.data(), text.size(), identity)) {
+        identity = SessionIdentity{};
+    }
+    if (options.hasCar) identity.carPath = WidenUtf8(options.carPath);
+    return identity;
+}
+
 std::string IdentityLine(const SessionIdentity& identity) {
     return "identity car=" + ToUtf8(identity.carPath) + " driver=" + ToUtf8(identity.driverName) +
            " userId=" + std::to_string(identity.driverUserId) + " known=" + (identity.driverNameKnown ? "1" : "0");
 }
 
-bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& result, std::string& error) {
+bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, IbtImage& image, ReplayResult& result,
+               std::string& error) {
     FfbEngine engine;
     engine.PublishSettings(options.settings);
     IrsdkClient client;
@@ -53,8 +55,7 @@ bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& resu
         error = "cannot read the telemetry image";
         return false;
     }
-    result.identity = ScanIdentity(client, options);
-    if (!options.recordPath.empty() && !StartRecording(engine, options, result.identity, error)) return false;
+    if (!options.recordPath.empty() && !StartRecording(engine, options, identity, error)) return false;
 
     result.rows.clear();
     result.rows.reserve(static_cast<size_t>(image.recordCount) * kMaxOutputsPerRecord);
@@ -62,10 +63,10 @@ bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& resu
     WheelOutput wheel;
     EngineLoop<ReplayPlatform> loop(engine, wheel);
     loop.connected = true;
-    loop.carPath = result.identity.carPath;
-    loop.driverName = result.identity.driverName;
-    loop.driverUserId = result.identity.driverUserId;
-    loop.driverNameKnown = result.identity.driverNameKnown;
+    loop.carPath = identity.carPath;
+    loop.driverName = identity.driverName;
+    loop.driverUserId = identity.driverUserId;
+    loop.driverNameKnown = identity.driverNameKnown;
     for (int32_t i = 0; i < image.recordCount; ++i) {
         SelectRecord(image, i);
         ReplayPlatform::virtualNow = static_cast<int64_t>(i) * kRecordSpacingNanoseconds;

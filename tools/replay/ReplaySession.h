@@ -14,16 +14,20 @@ constexpr int64_t kRecordSpacingNanoseconds = 16666667;  // one 60 Hz tick of th
 constexpr int32_t kMaxOutputsPerRecord = 12;
 
 struct ReplayResult {
-    SessionIdentity identity;      // the car path as used, after --car
-    std::vector<ForceRow> rows;    // every force store in order
+    std::vector<ForceRow> rows;  // every force store in order
 };
+
+// Who drives which car: the scan of the file's session-info text ("generic" and the other defaults when
+// it fails), with --car over the car path.
+SessionIdentity ScanReplayIdentity(const ReplayOptions& options, const IbtImage& image);
 
 // The identity line printed before the first record, UTF-8.
 std::string IdentityLine(const SessionIdentity& identity);
 
 // Runs every record of `image` through the engine's own pass and tick code, and records if asked to.
 // False with a one-line reason when the recording cannot be started.
-bool RunReplay(const ReplayOptions& options, IbtImage& image, ReplayResult& result, std::string& error);
+bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, IbtImage& image, ReplayResult& result,
+               std::string& error);
 
 // "frame,output,force" and one line per row.
 std::string FormatCsv(const std::vector<ForceRow>& rows);
