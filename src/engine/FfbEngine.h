@@ -65,7 +65,7 @@ public:
     int32_t outSamples = 0;
     int32_t outNonZero = 0;
     int32_t outPeak = 0;
-    TelemetryRecorder recorder;
+    TelemetryRecorder recorder;  // GUI starts and stops it; the engine thread pushes through the hook
     std::thread thread;  // GUI thread; joinable from Start to Stop
 };
 
