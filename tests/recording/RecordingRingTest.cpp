@@ -25,19 +25,6 @@ TEST(RecordingRing, SlotsStartZeroWithFullCrashGain) {
     EXPECT_EQ(RecordingSample{}.timeMicroseconds, 0u);
 }
 
-TEST(RecordingRing, HoldsAtMost8191AndRefusesTheNewest) {
-    auto ring = std::make_unique<RecordingRing>();
-    for (int32_t i = 0; i < 8191; ++i) ASSERT_TRUE(ring->TryPush(Sample(i))) << i;
-    EXPECT_FALSE(ring->TryPush(Sample(8191)));
-    EXPECT_EQ(ring->Head(), 8191u);
-    RecordingSample batch[256];
-    ASSERT_EQ(ring->CopyOut(batch, 256), 256u);
-    EXPECT_EQ(batch[0].tickCount, 0);  // the oldest stayed
-    ring->Release(1);
-    EXPECT_TRUE(ring->TryPush(Sample(9000)));
-    EXPECT_FALSE(ring->TryPush(Sample(9001)));
-}
-
 TEST(RecordingRing, HeadWrapsFromSlot8191ToSlotZero) {
     auto ring = std::make_unique<RecordingRing>();
     RecordingSample batch[256];
