@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "TelemetryLayoutWriter.h"
+#include "engine/EnginePlatform.h"
 #include "engine/FfbEngine.h"
 #include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
