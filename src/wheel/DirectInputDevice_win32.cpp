@@ -8,7 +8,8 @@
 
 namespace veltor {
 
-static_assert(sizeof(DIEFFECT) == 56, "DIEFFECT as DirectInput 8 publishes it");
+// The published DIEFFECT: 56 bytes in 32-bit programs, 80 in 64-bit ones, where its four pointers are wider and aligned.
+static_assert(sizeof(DIEFFECT) == (sizeof(void*) == 8 ? 80 : 56), "DIEFFECT as DirectInput 8 publishes it");
 
 namespace {
 constexpr DWORD kCooperativeFlags = DISCL_EXCLUSIVE | DISCL_BACKGROUND;  // 9
