@@ -41,13 +41,14 @@ ULONG VirtualEffect::Release() {
 }
 
 HRESULT VirtualEffect::SetParameters(LPCDIEFFECT parameters, DWORD flags) {
+    // The magnitude asked for is logged whatever the outcome, so a failed pass still shows its value.
     LONG value = magnitude.load();
-    HRESULT result = device.FaultNow(FaultKind::SetParameters);
-    if (result == 0) result = device.CheckExclusive();
-    if (result == 0 && parameters == nullptr) result = DIERR_INVALIDPARAM;
+    HRESULT result = parameters == nullptr ? DIERR_INVALIDPARAM : DI_OK;
     if (result == 0 && (flags & DIEP_TYPESPECIFICPARAMS) != 0 && !ReadMagnitude(parameters, value)) {
         result = DIERR_INVALIDPARAM;
     }
+    if (result == 0) result = device.FaultNow(FaultKind::SetParameters);
+    if (result == 0) result = device.CheckExclusive();
     if (result == 0) {
         magnitude.store(value);
         if (playing.load()) device.Play(true, value);
