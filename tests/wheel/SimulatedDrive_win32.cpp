@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "TelemetryLayoutWriter.h"
+#include "engine/SteadyClock.h"
 #include "telemetry/IrsdkLayout.h"
 
 namespace veltor::test {
@@ -36,14 +37,7 @@ TelemetryFrame DriveFrame(int32_t tick) {
 }
 }  // namespace
 
-int64_t CounterMicroseconds() {
-    LARGE_INTEGER counter;
-    LARGE_INTEGER frequency;
-    QueryPerformanceCounter(&counter);
-    QueryPerformanceFrequency(&frequency);
-    return counter.QuadPart / frequency.QuadPart * 1000000 +
-           counter.QuadPart % frequency.QuadPart * 1000000 / frequency.QuadPart;
-}
+int64_t CounterMicroseconds() { return SteadyNowNanoseconds() / 1000; }
 
 SimulatedDrive::SimulatedDrive(size_t maxTicks) : eventTimes(maxTicks + 1, 0) {}
 

@@ -35,7 +35,7 @@ private:
     std::thread drive;
 };
 
-// Performance-counter microseconds, as the virtual wheel stamps its log.
+// Steady-clock microseconds (the performance counter), as the virtual wheel stamps its log.
 int64_t CounterMicroseconds();
 
 }  // namespace veltor::test

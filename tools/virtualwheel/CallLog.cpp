@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "CallLog.h"
+#include "engine/SteadyClock.h"
 
 namespace virtualwheel {
 
@@ -28,14 +29,7 @@ FILE* OpenFromEnvironment() {
 }
 }  // namespace
 
-int64_t NowMicroseconds() {
-    LARGE_INTEGER counter;
-    LARGE_INTEGER frequency;
-    QueryPerformanceCounter(&counter);
-    QueryPerformanceFrequency(&frequency);
-    return counter.QuadPart / frequency.QuadPart * 1000000 +
-           counter.QuadPart % frequency.QuadPart * 1000000 / frequency.QuadPart;
-}
+int64_t NowMicroseconds() { return veltor::SteadyNowNanoseconds() / 1000; }
 
 void LogCall(const char* format, ...) {
     const int64_t now = NowMicroseconds();

@@ -3,8 +3,8 @@
 
 namespace virtualwheel {
 
-// Microseconds on the performance counter: the same clock the program under test reads, so a test can
-// line the log up with its own times.
+// Microseconds on the engine's steady clock (the performance counter): the clock the program under test
+// reads, so a test can line the log up with its own times.
 int64_t NowMicroseconds();
 
 // One line per call that matters, "<microseconds> <text>", to the file named by VIRTUALWHEEL_LOG (nothing

@@ -37,25 +37,6 @@ VirtualDevice::VirtualDevice(int wheelIndex, const WheelConfig& wheelConfig)
 
 VirtualDevice::~VirtualDevice() { StopRim(); }
 
-HRESULT VirtualDevice::QueryInterface(REFIID riid, void** object) {
-    if (object == nullptr) return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IDirectInputDevice8W) {
-        AddRef();
-        *object = this;
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG VirtualDevice::AddRef() { return ++references; }
-
-ULONG VirtualDevice::Release() {
-    const ULONG left = --references;
-    if (left == 0) delete this;
-    return left;
-}
-
 // The rim moves on in real time; lX changing is what the device event reports.
 void VirtualDevice::TurnRim() {
     int64_t last = NowMicroseconds();

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "ComObject.h"
 #include "WheelConfig.h"
 #include "wheel/VirtualWheelModel.h"
 
@@ -22,15 +23,11 @@ bool AnyWheelVanished();
 
 // One virtual force-feedback wheel. Its rim turns on a thread of its own, every millisecond, under the
 // force that its effect plays and the scripted hand; a change of lX sets the device event.
-class VirtualDevice final : public IDirectInputDevice8W {
+class VirtualDevice final : public ComObject<IDirectInputDevice8W, &IID_IDirectInputDevice8W> {
 public:
     VirtualDevice(int index, const WheelConfig& config);
-    ~VirtualDevice();
+    ~VirtualDevice() override;
 
-    // IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     // IDirectInputDevice8W: the calls a force-feedback program makes; the others are not supported.
     HRESULT STDMETHODCALLTYPE GetCapabilities(LPDIDEVCAPS caps) override;
     HRESULT STDMETHODCALLTYPE EnumObjects(LPDIENUMDEVICEOBJECTSCALLBACKW, LPVOID, DWORD) override;
@@ -74,7 +71,6 @@ private:
     void StopRim();
     void ReadFaultFile();
 
-    std::atomic<ULONG> references{1};
     const int index;
     const WheelConfig config;
     const int64_t createdMicroseconds;

@@ -3,9 +3,9 @@
 #define DIRECTINPUT_VERSION 0x0800
 #include <dinput.h>
 
-#include <atomic>
 
 #include "CallLog.h"
+#include "ComObject.h"
 #include "VirtualDevice.h"
 #include "WheelConfig.h"
 
@@ -15,26 +15,9 @@ namespace {
 
 constexpr DWORD kWheelDeviceType = DI8DEVTYPE_DRIVING | (DI8DEVTYPEDRIVING_DUALPEDALS << 8);
 
-class VirtualDirectInput final : public IDirectInput8W {
+class VirtualDirectInput final : public ComObject<IDirectInput8W, &IID_IDirectInput8W> {
 public:
     explicit VirtualDirectInput(const WheelConfig& wheelConfig) : config(wheelConfig) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IDirectInput8W) {
-            AddRef();
-            *object = this;
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE CreateDevice(REFGUID guid, LPDIRECTINPUTDEVICE8W* device, LPUNKNOWN outer) override {
         if (device == nullptr) return E_POINTER;
@@ -92,7 +75,6 @@ private:
         return -1;
     }
 
-    std::atomic<ULONG> references{1};
     const WheelConfig config;
 };
 

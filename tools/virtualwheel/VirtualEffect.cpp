@@ -21,25 +21,6 @@ VirtualEffect::~VirtualEffect() {
     device.Release();
 }
 
-HRESULT VirtualEffect::QueryInterface(REFIID riid, void** object) {
-    if (object == nullptr) return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IDirectInputEffect) {
-        AddRef();
-        *object = this;
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG VirtualEffect::AddRef() { return ++references; }
-
-ULONG VirtualEffect::Release() {
-    const ULONG left = --references;
-    if (left == 0) delete this;
-    return left;
-}
-
 HRESULT VirtualEffect::SetParameters(LPCDIEFFECT parameters, DWORD flags) {
     // The magnitude asked for is logged whatever the outcome, so a failed pass still shows its value.
     LONG value = magnitude.load();

@@ -5,19 +5,18 @@
 
 #include <atomic>
 
+#include "ComObject.h"
+
 namespace virtualwheel {
 
 class VirtualDevice;
 
 // The one kind of effect the virtual wheel plays: a constant force, whose magnitude drives the rim.
-class VirtualEffect final : public IDirectInputEffect {
+class VirtualEffect final : public ComObject<IDirectInputEffect, &IID_IDirectInputEffect> {
 public:
     VirtualEffect(VirtualDevice& device, LONG magnitude);
-    ~VirtualEffect();
+    ~VirtualEffect() override;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE Initialize(HINSTANCE, DWORD, REFGUID) override;
     HRESULT STDMETHODCALLTYPE GetEffectGuid(LPGUID guid) override;
     HRESULT STDMETHODCALLTYPE GetParameters(LPDIEFFECT, DWORD) override;
@@ -30,7 +29,6 @@ public:
     HRESULT STDMETHODCALLTYPE Escape(LPDIEFFESCAPE) override;
 
 private:
-    std::atomic<ULONG> references{1};
     VirtualDevice& device;    // held with a reference of its own
     std::atomic<LONG> magnitude;
     std::atomic<bool> playing{false};
