@@ -22,6 +22,7 @@ TEST(FaultPlan, SpansApplyFromTheirStartForTheirLength) {
     EXPECT_EQ(plan.ResultAt(FaultKind::GetDeviceState, 99), 0);
     EXPECT_EQ(plan.ResultAt(FaultKind::GetDeviceState, 1000000), static_cast<int32_t>(0x80004005u));
     EXPECT_NE(plan.ResultAt(FaultKind::Vanish, 9000), 0);
+    EXPECT_TRUE(plan.Has(FaultKind::Vanish));
 }
 
 TEST(FaultPlan, MalformedEntriesAreSkippedAndCounted) {
@@ -44,6 +45,7 @@ TEST(FaultPlan, KeepsAtMostItsCapacityAndAnEmptyTextClearsIt) {
     plan.Parse("");
     EXPECT_EQ(plan.SpanCount(), 0);
     EXPECT_EQ(plan.ResultAt(FaultKind::Acquire, 0), 0);
+    EXPECT_FALSE(plan.Has(FaultKind::Acquire));
 }
 
 }  // namespace

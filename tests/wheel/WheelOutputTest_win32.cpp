@@ -145,12 +145,45 @@ TEST_F(WheelDirectInputTest, LostInput_IsCountedOnceASecondAndRecoveredFrom) {
 
     EXPECT_EQ(wheel.errorCount.load(), 1u);  // one code, within one second
     EXPECT_EQ(static_cast<uint32_t>(wheel.lastError.load()), 0x8007001Eu);
-    const size_t failures = std::count_if(log.Lines("SetParameters").begin(), log.Lines("SetParameters").end(),
-                                          [](const std::string& l) { return l.find("hr=0x8007001E") != std::string::npos; });
+    const std::vector<std::string> sent = log.Lines("SetParameters");
+    const size_t failures = std::count_if(sent.begin(), sent.end(), [](const std::string& l) {
+        return l.find("hr=0x8007001E") != std::string::npos;
+    });
     EXPECT_GT(failures, 50u);
     EXPECT_GE(log.Lines("Unacquire").size(), 3u);  // spaced at 250 ms, plus the one of Close
     EXPECT_GE(log.Lines("Start").size(), 2u);      // the effect restarted after the burst
     EXPECT_GT(log.Magnitudes().back(), 0);
+}
+
+TEST_F(WheelDirectInputTest, FailedDeviceReads_ReacquireWithoutBeingReported) {
+    SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", L"GetDeviceState=FAIL");
+    SetEnvironmentVariableW(L"VIRTUALWHEEL_HAND", L"3.0,2.0");  // the driver turns the rim, so the event fires
+    WheelOutput wheel;
+    ASSERT_TRUE(wheel.Open(nullptr, &wheels[0].instanceGuid));
+    wheel.dampingPercent.exchange(50);
+    wheel.outputEnabled.exchange(true);
+    Sleep(1800);
+    wheel.Close();
+    SetEnvironmentVariableW(L"VIRTUALWHEEL_HAND", nullptr);
+    EXPECT_FALSE(log.Lines("GetDeviceState").empty());
+    EXPECT_GE(log.Lines("Unacquire").size(), 2u);
+    EXPECT_EQ(wheel.errorCount.load(), 0u);
+}
+
+TEST_F(WheelDirectInputTest, VanishedWheel_FailuresAreCountedAndEnumerationFindsNone) {
+    SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", L"Vanish@1500");
+    const DeviceGuid guid = wheels[0].instanceGuid;
+    WheelOutput wheel;
+    ASSERT_TRUE(wheel.Open(nullptr, &guid));
+    wheel.commandedForce.exchange(2000);
+    wheel.outputEnabled.exchange(true);
+    Sleep(2300);
+    EXPECT_GE(wheel.errorCount.load(), 2u);  // lost input and the failed reacquire, alternating
+    wheel.Close();
+    EXPECT_FALSE(log.Lines("Vanish").empty());
+    EnumerateWheels(wheels);
+    EXPECT_TRUE(wheels.empty());
+    EXPECT_FALSE(wheel.Open(nullptr, &guid));
 }
 
 TEST_F(WheelDirectInputTest, Open_FailingAtAcquireStartsNoThreadAndALaterOpenWorks) {

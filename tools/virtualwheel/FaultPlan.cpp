@@ -97,6 +97,13 @@ bool FaultPlan::ParseEntry(std::string_view entry, FaultSpan& span) const {
     return true;
 }
 
+bool FaultPlan::Has(FaultKind kind) const {
+    for (int i = 0; i < count; ++i) {
+        if (spans[i].kind == kind) return true;
+    }
+    return false;
+}
+
 int32_t FaultPlan::ResultAt(FaultKind kind, int64_t elapsedMs) const {
     for (int i = 0; i < count; ++i) {
         const FaultSpan& s = spans[i];

@@ -24,6 +24,7 @@ public:
     void Parse(std::string_view text);
     // The failure of `kind` at `elapsedMs`, or 0 when none applies.
     int32_t ResultAt(FaultKind kind, int64_t elapsedMs) const;
+    bool Has(FaultKind kind) const;
     int SpanCount() const { return count; }
     int RejectedCount() const { return rejected; }
 

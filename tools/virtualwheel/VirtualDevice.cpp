@@ -19,6 +19,7 @@ std::atomic<bool> gVanished{false};  // once a wheel has gone, enumeration finds
 }  // namespace
 
 bool AnyWheelVanished() { return gVanished.load(); }
+void PlugWheelsBackIn() { gVanished.store(false); }
 
 GUID WheelInstanceGuid(int index) {
     GUID guid = {0x56454C54, 0x5749, 0x4845, {0x45, 0x4C, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01}};

@@ -18,8 +18,10 @@ namespace virtualwheel {
 GUID WheelInstanceGuid(int index);
 // Product name of wheel `index`.
 const wchar_t* WheelProductName(int index);
-// True once a wheel has vanished: from then on enumeration finds none.
+// True once a wheel has vanished: from then on enumeration finds none, until a DirectInput is created
+// without a vanishing in its faults, which plugs the wheels back in.
 bool AnyWheelVanished();
+void PlugWheelsBackIn();
 
 // One virtual force-feedback wheel. Its rim turns on a thread of its own, every millisecond, under the
 // force that its effect plays and the scripted hand; a change of lX sets the device event.

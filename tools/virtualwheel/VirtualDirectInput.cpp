@@ -89,6 +89,8 @@ extern "C" __declspec(dllexport) HRESULT WINAPI DirectInput8Create(HINSTANCE, DW
     const HRESULT result = riid == IID_IDirectInput8W && outer == nullptr ? DI_OK : DIERR_NOINTERFACE;
     LogCall("DirectInput8Create version=0x%04lX hr=0x%08lX", version, static_cast<unsigned long>(result));
     if (result != DI_OK) return result;
-    *object = static_cast<IDirectInput8W*>(new VirtualDirectInput(ReadWheelConfig()));
+    const WheelConfig config = ReadWheelConfig();
+    if (!config.faults.Has(FaultKind::Vanish)) PlugWheelsBackIn();
+    *object = static_cast<IDirectInput8W*>(new VirtualDirectInput(config));
     return DI_OK;
 }

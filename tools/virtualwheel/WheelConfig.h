@@ -9,7 +9,8 @@ namespace virtualwheel {
 //   VIRTUALWHEEL_LOG         file that receives the call log
 //   VIRTUALWHEEL_WHEELS      wheels in enumeration, 1 (default) or 2
 //   VIRTUALWHEEL_HAND        the driver's hand as "amplitudeNm,frequencyHz", a sine on the rim
-//   VIRTUALWHEEL_FAULTS      fault spans (FaultPlan), in milliseconds since the device was created
+//   VIRTUALWHEEL_FAULTS      fault spans (FaultPlan), in milliseconds since the device was created; once a
+//                            wheel has vanished, enumeration finds none while the faults name a vanishing
 //   VIRTUALWHEEL_FAULT_FILE  a file whose fault entries apply while it exists, re-read as it changes
 struct WheelConfig {
     int32_t wheelCount = 1;
