@@ -106,8 +106,9 @@ public:
             return;
         }
         const bool newPosition = device.HasEvent() && device.WaitForPositionEvent(kDeviceEventWaitMilliseconds);
-        const int32_t sum = std::clamp(commandedForce.load() + ComputeDamping(newPosition), -kMagnitudeLimit,
-                                       kMagnitudeLimit);
+        const int64_t force = commandedForce.load();
+        const int64_t damping = ComputeDamping(newPosition);
+        const auto sum = static_cast<int32_t>(std::clamp<int64_t>(force + damping, -kMagnitudeLimit, kMagnitudeLimit));
         const bool ramping = clock.Now() < rampEnd;
         const int32_t target = ramping ? Ramp(sum) : sum;
         const int32_t limit = ramping ? kRampSlewPerPass : kRunningSlewPerPass;

@@ -1,6 +1,7 @@
 // The output thread's logic, pass by pass, over a scripted device and a stepped clock.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "FakeWheelDevice.h"
@@ -198,8 +199,8 @@ TEST_F(WheelOutputTest, Damping_FailedReadReacquiresAndResets) {
     EXPECT_EQ(wheel.errorCount.load(), 0u);
 }
 
-TEST_F(WheelOutputTest, Damping_WildPositionsStayBounded) {
-    const int64_t enabledAt = OpenAndEnable(0);
+TEST_F(WheelOutputTest, Damping_WildPositionsAndForcesStayBounded) {
+    const int64_t enabledAt = OpenAndEnable(INT32_MAX);
     wheel.lockDamping.store(true);
     RunUntil(enabledAt + 3000 * kMs);
     for (int pass = 0; pass < 20; ++pass) MovedPass(pass % 2 == 0 ? 2000000000 : -2000000000);
