@@ -36,7 +36,7 @@ std::wstring TempPath(const wchar_t* name) {
 }
 
 std::string ReadText(const std::wstring& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(path.c_str(), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
@@ -95,7 +95,7 @@ struct LogLine {
 
 std::vector<LogLine> ReadLog(const std::wstring& path) {
     std::vector<LogLine> lines;
-    std::ifstream file(path);
+    std::ifstream file(path.c_str());
     for (std::string line; std::getline(file, line);) {
         const size_t space = line.find(' ');
         if (space != std::string::npos) lines.push_back({std::stoll(line.substr(0, space)), line.substr(space + 1)});
@@ -126,8 +126,10 @@ TEST(WheelHarnessEndToEnd, SimulatorEngineAndVirtualWheelThroughALostInputBurst)
     ASSERT_TRUE(harness.WaitForExit()) << harness.Output();
     const std::string status = harness.Output();
     EXPECT_NE(status.find("on track"), std::string::npos) << status;
-    EXPECT_NE(status.find("(0x8007001E)"), std::string::npos) << status;
-    EXPECT_EQ(status.find("output failures 0 "), status.rfind("output failures 0 ")) << status;
+    const size_t failures = status.rfind("output failures ");
+    ASSERT_NE(failures, std::string::npos) << status;
+    EXPECT_GE(std::atoi(status.c_str() + failures + 16), 1) << status;
+    EXPECT_NE(status.find("(0x8007001E)", failures), std::string::npos) << status;
 
     const std::vector<LogLine> log = ReadLog(logPath);
     const LogLine* cooperative = First(log, "SetCooperativeLevel");
@@ -150,13 +152,15 @@ TEST(WheelHarnessEndToEnd, SimulatorEngineAndVirtualWheelThroughALostInputBurst)
     }
     ASSERT_GT(passes.size(), 1000u);
     const int64_t rampEnd = created->microseconds + kRampMicroseconds;
-    long largest = 0;
+    std::vector<long> distinct;
     for (size_t i = 1; i < passes.size(); ++i) {
         const long step = std::labs(passes[i]->Magnitude() - passes[i - 1]->Magnitude());
         EXPECT_LE(step, passes[i]->microseconds < rampEnd ? 120 : 1200) << passes[i]->text;
-        largest = std::max(largest, std::labs(passes[i]->Magnitude()));
+        if (std::find(distinct.begin(), distinct.end(), passes[i]->Magnitude()) == distinct.end()) {
+            distinct.push_back(passes[i]->Magnitude());
+        }
     }
-    EXPECT_GT(largest, 500);  // the drive's force did reach the wheel
+    EXPECT_GT(distinct.size(), 50u);  // the drive's changing force did reach the wheel
 
     size_t lastLost = log.size();
     for (size_t i = 0; i < log.size(); ++i) {
