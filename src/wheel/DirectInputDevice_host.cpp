@@ -12,9 +12,7 @@ constexpr size_t kExpectedMagnitudes = 1 << 16;                       // a minut
 constexpr float kNanosecondsPerSecond = 1e9f;
 }  // namespace
 
-DirectInputDevice::DirectInputDevice() : objects(std::make_unique<Objects>()) {
-    objects->sentMagnitudes.reserve(kExpectedMagnitudes);
-}
+DirectInputDevice::DirectInputDevice() : objects(std::make_unique<Objects>()) {}
 DirectInputDevice::~DirectInputDevice() = default;
 
 bool DirectInputDevice::CreateDeviceEvent() {
@@ -31,6 +29,7 @@ int32_t DirectInputDevice::CreateInterface() {
 int32_t DirectInputDevice::CreateDevice(const DeviceGuid&) {
     if (!objects->interfaceCreated) return kNoObject;
     objects->deviceCreated = true;
+    objects->sentMagnitudes.reserve(kExpectedMagnitudes);  // here, so a wheel that is never opened costs nothing
     return kOk;
 }
 
