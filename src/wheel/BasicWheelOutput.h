@@ -273,8 +273,8 @@ private:
         if (lastPositionTime != 0) {
             const int64_t microseconds = (now - lastPositionTime) / 1000;
             if (microseconds > 0) {
-                velocityHistory[velocityIndex] =
-                    static_cast<float>(position - lastPosition) / static_cast<float>(microseconds);
+                const int64_t moved = static_cast<int64_t>(position) - lastPosition;  // any two readings
+                velocityHistory[velocityIndex] = static_cast<float>(moved) / static_cast<float>(microseconds);
             }
         }
         lastPositionTime = now;

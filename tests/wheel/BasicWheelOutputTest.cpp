@@ -203,7 +203,10 @@ TEST_F(WheelOutputTest, Damping_WildPositionsAndForcesStayBounded) {
     const int64_t enabledAt = OpenAndEnable(INT32_MAX);
     wheel.lockDamping.store(true);
     RunUntil(enabledAt + 3000 * kMs);
-    for (int pass = 0; pass < 20; ++pass) MovedPass(pass % 2 == 0 ? 2000000000 : -2000000000);
+    for (int pass = 0; pass < 20; ++pass) {
+        wheel.device.position = pass % 2 == 0 ? INT32_MAX : INT32_MIN;
+        MovedPass(0);
+    }
     EXPECT_LE(std::abs(wheel.outputMagnitude), 10000);
 }
 
