@@ -1,0 +1,193 @@
+// The wheel's side of the force path under Wine: a simulated 60 Hz drive, the real engine thread, the
+// product's wheel and the virtual wheel DLL. Prints the latency from the simulator setting its event to the
+// virtual wheel receiving a SetParameters that carries that tick's first output (p50, p99), the output
+// passes per second and the output thread's CPU time per second.
+#include <windows.h>
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "SimulatedDrive_win32.h"
+#include "engine/EnginePlatform.h"
+#include "engine/FfbEngine.h"
+#include "wheel/WheelDevice.h"
+
+namespace {
+
+using namespace veltor;
+
+const wchar_t* kLogPath = L"bench_wheel_output.log";
+constexpr size_t kMaxStores = 1 << 20;
+constexpr int64_t kRampEndAfterEffectMicroseconds = 1800000 + 100000;
+constexpr int kSettleMilliseconds = 3500;
+
+// Engine thread writes, the main thread reads after Stop.
+struct Store {
+    int64_t microseconds;
+    int32_t value;
+    int32_t outputIndex;
+};
+std::vector<Store> gStores(kMaxStores);
+size_t gStoreCount = 0;
+
+struct BenchPlatform : EnginePlatform {
+    static void ForceStored(int32_t outputIndex, int32_t value) {
+        if (gStoreCount < kMaxStores) gStores[gStoreCount++] = {test::CounterMicroseconds(), value, outputIndex};
+    }
+};
+
+struct SetParametersCall {
+    int64_t microseconds;
+    long magnitude;
+};
+
+// The successful SetParameters of the log, and when the effect was created.
+std::vector<SetParametersCall> ReadLog(int64_t& effectCreated) {
+    std::vector<SetParametersCall> calls;
+    std::ifstream file(kLogPath);
+    for (std::string line; std::getline(file, line);) {
+        const size_t space = line.find(' ');
+        if (space == std::string::npos) continue;
+        const int64_t at = std::stoll(line.substr(0, space));
+        if (line.compare(space + 1, 13, "CreateEffect ") == 0 && effectCreated == 0) effectCreated = at;
+        if (line.compare(space + 1, 14, "SetParameters ") != 0 || line.find("hr=0x00000000") == std::string::npos) continue;
+        calls.push_back({at, std::stol(line.substr(line.find("magnitude=") + 10))});
+    }
+    return calls;
+}
+
+std::set<DWORD> ProcessThreads() {
+    std::set<DWORD> ids;
+    HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) return ids;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
+        if (entry.th32OwnerProcessID == GetCurrentProcessId()) ids.insert(entry.th32ThreadID);
+    }
+    CloseHandle(snapshot);
+    return ids;
+}
+
+// The thread that opening the wheel started at the highest priority: the output thread.
+HANDLE FindOutputThread(const std::set<DWORD>& before) {
+    for (DWORD id : ProcessThreads()) {
+        if (before.count(id) != 0) continue;
+        HANDLE thread = OpenThread(THREAD_QUERY_INFORMATION, FALSE, id);
+        if (thread == nullptr) continue;
+        if (GetThreadPriority(thread) == THREAD_PRIORITY_HIGHEST) return thread;
+        CloseHandle(thread);
+    }
+    return nullptr;
+}
+
+int64_t ThreadCpuMicroseconds(HANDLE thread) {
+    FILETIME created, exited, kernel, user;
+    if (thread == nullptr || !GetThreadTimes(thread, &created, &exited, &kernel, &user)) return 0;
+    auto toInt = [](FILETIME t) { return (static_cast<int64_t>(t.dwHighDateTime) << 32) | t.dwLowDateTime; };
+    return (toInt(kernel) + toInt(user)) / 10;
+}
+
+int64_t Percentile(std::vector<int64_t> values, double fraction) {
+    if (values.empty()) return 0;
+    std::sort(values.begin(), values.end());
+    return values[static_cast<size_t>(fraction * static_cast<double>(values.size() - 1))];
+}
+
+// For each tick's first output (a value that differs from the one before it), the first SetParameters at or
+// after the store that carries it, measured from the event of the tick; a value overtaken by the next store
+// before any pass sent it is missed.
+void MeasureLatency(const test::SimulatedDrive& drive, const std::vector<SetParametersCall>& calls, int64_t from,
+                    std::vector<int64_t>& latencies, size_t& missed) {
+    size_t call = 0;
+    int32_t tick = 1;
+    for (size_t i = 1; i + 1 < gStoreCount; ++i) {
+        const Store& store = gStores[i];
+        while (drive.EventMicroseconds(tick + 1) != 0 && drive.EventMicroseconds(tick + 1) <= store.microseconds) ++tick;
+        if (store.outputIndex != 0 || store.microseconds < from || store.value == gStores[i - 1].value) continue;
+        // The store is stamped just after it lands: a pass may carry it a few microseconds earlier.
+        while (call < calls.size() && calls[call].microseconds < store.microseconds - 50) ++call;
+        size_t c = call;
+        while (c < calls.size() && calls[c].magnitude != store.value && calls[c].microseconds < gStores[i + 1].microseconds) ++c;
+        if (c < calls.size() && calls[c].magnitude == store.value) {
+            latencies.push_back(calls[c].microseconds - drive.EventMicroseconds(tick));
+        } else {
+            ++missed;
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int seconds = 20;
+    int mode = 0;
+    for (int i = 1; i + 1 < argc; ++i) {
+        if (std::strcmp(argv[i], "--seconds") == 0) seconds = std::max(1, std::atoi(argv[++i]));
+        else if (std::strcmp(argv[i], "--mode") == 0) mode = std::atoi(argv[++i]) == 1 ? 1 : 0;
+    }
+    DeleteFileW(kLogPath);
+    SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", kLogPath);
+    std::vector<WheelDevice> wheels;
+    EnumerateWheels(wheels);
+    if (wheels.empty()) {
+        std::fprintf(stderr, "No wheel: run with WINEDLLOVERRIDES=dinput8=n and dinput8.dll beside the program.\n");
+        return 1;
+    }
+
+    FfbEngine engine;
+    EngineSettings settings;
+    settings.Mode = mode;
+    engine.StartWith<BenchPlatform>(settings, nullptr, wheels[0].instanceGuid);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // the engine looks for a simulator
+    const std::set<DWORD> before = ProcessThreads();
+    test::SimulatedDrive drive(static_cast<size_t>(seconds + 10) * 60);
+    if (!drive.Start()) {
+        std::fprintf(stderr, "Could not publish the simulated drive.\n");
+        return 1;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(kSettleMilliseconds));
+    HANDLE outputThread = FindOutputThread(before);
+    const int64_t cpuBefore = ThreadCpuMicroseconds(outputThread);
+    const int64_t wallBefore = test::CounterMicroseconds();
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    const int64_t cpuAfter = ThreadCpuMicroseconds(outputThread);
+    const int64_t wallAfter = test::CounterMicroseconds();
+    engine.Stop();
+    drive.Stop();
+    if (outputThread != nullptr) CloseHandle(outputThread);
+
+    int64_t effectCreated = 0;
+    const std::vector<SetParametersCall> calls = ReadLog(effectCreated);
+    std::vector<int64_t> latencies;
+    size_t missed = 0;
+    MeasureLatency(drive, calls, std::max(effectCreated + kRampEndAfterEffectMicroseconds, wallBefore), latencies,
+                   missed);
+    const auto passes = std::count_if(calls.begin(), calls.end(), [&](const SetParametersCall& c) {
+        return c.microseconds >= wallBefore && c.microseconds < wallAfter;
+    });
+    const double window = static_cast<double>(wallAfter - wallBefore) / 1e6;
+
+    std::printf("Wheel output under Wine: mode %d, %d s of a 60 Hz drive, virtual wheel DLL\n", mode, seconds);
+    std::printf("  event set -> SetParameters with the tick's first output: p50 %lld us, p99 %lld us, max %lld us"
+                " (%zu ticks, %zu not carried)\n",
+                static_cast<long long>(Percentile(latencies, 0.50)), static_cast<long long>(Percentile(latencies, 0.99)),
+                static_cast<long long>(Percentile(latencies, 1.0)), latencies.size(), missed);
+    std::printf("  output passes per second: %.0f\n", static_cast<double>(passes) / window);
+    if (outputThread != nullptr) {
+        std::printf("  output thread CPU time: %.1f ms per second\n",
+                    static_cast<double>(cpuAfter - cpuBefore) / 1000.0 / window);
+    } else {
+        std::printf("  output thread CPU time: thread not found\n");
+    }
+    return 0;
+}
