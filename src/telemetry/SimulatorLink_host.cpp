@@ -167,11 +167,24 @@ bool BeginEdit(std::chrono::milliseconds timeout) {
     if (!r.event) return false;
     std::shared_ptr<EventState> event = r.event;
     event->editing = true;
-    if (!r.changed.wait_for(guard, timeout, [&] { return event->waiters > 0; })) {
+    if (!r.changed.wait_for(guard, timeout, [&] { return event->waiters > 0 && !event->signalled; })) {
         event->editing = false;
         return false;
     }
     return true;
+}
+
+bool Sync(std::chrono::milliseconds timeout) {
+    Registry& r = Link();
+    std::unique_lock guard(r.lock);
+    if (!r.event) return false;
+    std::shared_ptr<EventState> event = r.event;
+    const auto idle = [&] { return event->waiters > 0 && !event->signalled; };
+    if (!r.changed.wait_for(guard, timeout, idle)) return false;
+    const uint64_t before = r.waitsBegun;
+    event->signalled = true;
+    r.changed.notify_all();
+    return r.changed.wait_for(guard, timeout, [&] { return r.waitsBegun > before && idle(); });
 }
 
 void EndEdit(bool signal) {

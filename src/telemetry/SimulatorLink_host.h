@@ -26,6 +26,8 @@ void SetMapViewFailure(bool fail);
 
 bool BeginEdit(std::chrono::milliseconds timeout = std::chrono::milliseconds(5000));
 void EndEdit(bool signal);
+// Wakes the engine once and returns when it has finished that pass and waits again, idle.
+bool Sync(std::chrono::milliseconds timeout = std::chrono::milliseconds(5000));
 
 // Number of waits on the event that have begun so far.
 uint64_t WaitsBegun();

@@ -30,6 +30,8 @@ struct TelemetryFrame {
     int32_t torqueSampleCount = 0;
     int32_t shockSampleCount = 0;
     int32_t cfShockSampleCount = 0;
+
+    bool operator==(const TelemetryFrame&) const = default;
 };
 
 }  // namespace veltor

@@ -13,7 +13,24 @@ std::vector<StoredForce>& Entries() {
     return entries;
 }
 
+std::vector<RequestedWait>& Waits() {
+    static std::vector<RequestedWait> waits;
+    return waits;
+}
+
 }  // namespace
+
+void ForceLog::AddWait(RequestedWait wait) {
+    std::lock_guard guard(LogLock());
+    Waits().push_back(wait);
+}
+
+std::vector<RequestedWait> ForceLog::TakeWaits() {
+    std::lock_guard guard(LogLock());
+    std::vector<RequestedWait> taken;
+    taken.swap(Waits());
+    return taken;
+}
 
 void ForceLog::Add(StoredForce entry) {
     std::lock_guard guard(LogLock());
@@ -32,6 +49,7 @@ size_t ForceLog::Size() {
     return Entries().size();
 }
 
+std::atomic<bool> RecordingPlatform::holdInWait{false};
 std::atomic<int> RecordingWheel::opensToFail{0};
 std::atomic<int> RecordingWheel::opens{0};
 std::atomic<int> RecordingWheel::closes{0};
@@ -64,7 +82,9 @@ void RecordingWheel::Reset() {
     closes.store(0);
     isOpen.store(false);
     current.store(nullptr);
+    RecordingPlatform::holdInWait.store(false);
     ForceLog::Take();
+    ForceLog::TakeWaits();
 }
 
 }  // namespace veltor::test

@@ -15,12 +15,20 @@ struct StoredForce {
     int64_t time;  // steady-clock ns at the store
 };
 
+struct RequestedWait {
+    int64_t t0;
+    int32_t sleepMicroseconds;
+    int32_t offsetMicroseconds;
+};
+
 // Every store to commandedForce by the engine thread, in order. Shared across threads under a mutex.
 class ForceLog {
 public:
     static void Add(StoredForce entry);
     static std::vector<StoredForce> Take();
     static size_t Size();
+    static void AddWait(RequestedWait wait);
+    static std::vector<RequestedWait> TakeWaits();
 };
 
 // A wheel for engine tests: the engine's side of the seam, with Open failing on demand and a record of
@@ -55,6 +63,13 @@ struct RecordingPlatform : EnginePlatform {
     static void ForceStored(int32_t outputIndex, int32_t value) {
         ForceLog::Add({outputIndex, value, EnginePlatform::Now()});
     }
+    static void WaitUntilOffset(int64_t t0, int32_t sleepMicroseconds, int32_t offsetMicroseconds) {
+        ForceLog::AddWait({t0, sleepMicroseconds, offsetMicroseconds});
+        while (holdInWait.load()) EnginePlatform::SleepMilliseconds(1);
+        EnginePlatform::WaitUntilOffset(t0, sleepMicroseconds, offsetMicroseconds);
+    }
+    // While set, the engine thread stays inside its next wait between two outputs.
+    static std::atomic<bool> holdInWait;
 };
 
 }  // namespace veltor::test

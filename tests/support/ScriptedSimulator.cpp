@@ -53,11 +53,7 @@ bool ScriptedSimulator::SetSessionInfo(std::string_view text) {
     return true;
 }
 
-bool ScriptedSimulator::Sync() {
-    if (!hostsim::BeginEdit()) return false;
-    hostsim::EndEdit(false);
-    return true;
-}
+bool ScriptedSimulator::Sync() { return hostsim::Sync(); }
 
 TelemetryFrame OnTrackFrame(const std::vector<float>& samples, float speed) {
     TelemetryFrame frame;

@@ -27,7 +27,8 @@ public:
     bool RepeatFrame();  // sets the event with the newest tick unchanged
     bool SetConnected(bool connected);
     bool SetSessionInfo(std::string_view text);
-    // Returns once the engine has finished the pass that is under way and waits again.
+    // Wakes the engine for one more pass and returns once it has finished it and waits again, so every
+    // change made before has been seen by a whole pass.
     bool Sync();
 
     int32_t LastTick() const { return tick; }

@@ -61,6 +61,18 @@ protected:
         client.AttachBlock(block.bytes.data(), block.bytes.size());
         return client.ReadFrame(frame);
     }
+    // A view of the block whose descriptor moves to newTick + n after each of the first `tearCopies` copies.
+    TearingBlock Tearing(int tearCopies, int descriptor, int32_t newTick) {
+        client.AttachBlock(block.bytes.data(), block.bytes.size());
+        TearingBlock tearing;
+        tearing.base = block.bytes.data();
+        tearing.size = block.bytes.size();
+        tearing.bytes = &block.bytes;
+        tearing.tearCopies = tearCopies;
+        tearing.descriptorToMove = descriptor;
+        tearing.newTick = newTick;
+        return tearing;
+    }
 
     TestBlock block;
     IrsdkClient client;
@@ -146,16 +158,9 @@ TEST_F(IrsdkClientRead, TornFirstPassRereadsFromTheBufferChosenAgain) {
     block.SetTick(0, 5);
     block.SetTick(1, 8);
     block.SetTick(2, 6);
-    client.AttachBlock(block.bytes.data(), block.bytes.size());
-    // During the first copy the simulator starts to rewrite buffer 1: its tick moves on to 9... but the
-    // second pass sees buffer 1 newest again and its copy is whole.
-    TearingBlock tearing;
-    tearing.base = block.bytes.data();
-    tearing.size = block.bytes.size();
-    tearing.bytes = &block.bytes;
-    tearing.tearCopies = 1;
-    tearing.descriptorToMove = 1;
-    tearing.newTick = 8;
+    // During the first copy the simulator starts to rewrite buffer 1, whose tick moves on to 9; the second
+    // pass chooses buffer 1 again and this time its copy is whole.
+    TearingBlock tearing = Tearing(1, 1, 8);
     std::vector<uint8_t> snapshot;
     TelemetryFrame frame;
     ASSERT_TRUE(ReadFrameFromBlock(tearing, client.VarIndex(), snapshot, frame));
@@ -165,9 +170,7 @@ TEST_F(IrsdkClientRead, TornFirstPassRereadsFromTheBufferChosenAgain) {
 
     // A tear that makes another buffer the newest: the second pass picks that one.
     block.SetTick(1, 8);
-    tearing.copies = 0;
-    tearing.descriptorToMove = 1;
-    tearing.newTick = 3;  // buffer 1 drops to tick 4, so buffer 2 (tick 6) wins the second pass
+    tearing = Tearing(1, 1, 3);  // buffer 1 drops to tick 4, so buffer 2 (tick 6) wins the second pass
     ASSERT_TRUE(ReadFrameFromBlock(tearing, client.VarIndex(), snapshot, frame));
     EXPECT_EQ(frame.tickCount, 6);
     EXPECT_EQ(SpeedOf(frame), 30.0f);
@@ -175,14 +178,7 @@ TEST_F(IrsdkClientRead, TornFirstPassRereadsFromTheBufferChosenAgain) {
 
 TEST_F(IrsdkClientRead, TornOnBothPassesFailsAndLeavesTheFrameUntouched) {
     block.SetTick(0, 5);
-    client.AttachBlock(block.bytes.data(), block.bytes.size());
-    TearingBlock tearing;
-    tearing.base = block.bytes.data();
-    tearing.size = block.bytes.size();
-    tearing.bytes = &block.bytes;
-    tearing.tearCopies = 2;
-    tearing.descriptorToMove = 0;
-    tearing.newTick = 100;
+    TearingBlock tearing = Tearing(2, 0, 100);
     std::vector<uint8_t> snapshot;
     TelemetryFrame frame;
     frame.speed = 123.0f;

@@ -1,0 +1,159 @@
+// Pacing of the real engine thread: a simulator thread sets the data-valid event at 60 Hz with six
+// sub-samples a frame; the engine runs each output mode for a while. Prints, per mode, the lateness of each
+// store to commandedForce against its target offset from t0, the latency from the event being set to the
+// first store of the tick, and the engine thread's CPU time per second.
+#include <pthread.h>
+#include <time.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "TelemetryLayoutWriter.h"
+#include "engine/EnginePlatform.h"
+#include "engine/FfbEngine.h"
+#include "telemetry/IrsdkLayout.h"
+#include "telemetry/SimulatorLink_host.h"
+
+namespace {
+
+using namespace veltor;
+
+constexpr size_t kCapacity = 1 << 16;
+
+// Filled by the engine thread only, into storage reserved up front; read after the engine has stopped.
+struct Measurements {
+    std::vector<int64_t> lateness = std::vector<int64_t>(kCapacity);
+    std::vector<int64_t> eventToFirst = std::vector<int64_t>(kCapacity);
+    size_t latenessCount = 0;
+    size_t eventCount = 0;
+    int64_t burstT0 = 0;
+    int64_t firstStore = 0;
+    int64_t nextTarget = 0;
+    bool firstPending = false;
+};
+Measurements gMeasure;
+std::atomic<int64_t> gLastEventSet{0};
+std::atomic<bool> gRecording{false};
+
+struct BenchPlatform : EnginePlatform {
+    static void WaitUntilOffset(int64_t t0, int32_t sleepMicroseconds, int32_t offsetMicroseconds) {
+        if (gMeasure.firstPending) {  // the first store of the burst is measured against t0
+            Add(gMeasure.firstStore - t0);
+            gMeasure.firstPending = false;
+        }
+        gMeasure.burstT0 = t0;
+        gMeasure.nextTarget = t0 + offsetMicroseconds * 1000LL;
+        EnginePlatform::WaitUntilOffset(t0, sleepMicroseconds, offsetMicroseconds);
+    }
+    static void ForceStored(int32_t outputIndex, int32_t) {
+        const int64_t now = EnginePlatform::Now();
+        if (!gRecording.load(std::memory_order_relaxed)) return;
+        if (outputIndex == 0) {
+            gMeasure.firstStore = now;
+            gMeasure.firstPending = true;
+            if (gMeasure.eventCount < kCapacity) gMeasure.eventToFirst[gMeasure.eventCount++] = now - gLastEventSet.load();
+        } else {
+            Add(now - gMeasure.nextTarget);
+        }
+    }
+    static void Add(int64_t latenessNs) {
+        if (gMeasure.latenessCount < kCapacity) gMeasure.lateness[gMeasure.latenessCount++] = latenessNs;
+    }
+};
+
+TelemetryFrame BenchFrame(int tick) {
+    TelemetryFrame f;
+    f.isOnTrack = 1;
+    f.speed = 40.0f;
+    f.velocityX = 40.0f;
+    f.steeringWheelAngleMax = 9.0f;
+    for (int i = 0; i < kMaxSubSamples; ++i) f.torqueSamples[i] = static_cast<float>(10.0 * std::sin((tick * 6 + i) / 50.0));
+    f.torqueSampleCount = kMaxSubSamples;
+    f.steeringWheelTorque = f.torqueSamples[5];
+    return f;
+}
+
+double Percentile(std::vector<int64_t> values, double p) {
+    if (values.empty()) return 0.0;
+    std::sort(values.begin(), values.end());
+    const size_t index = std::min(values.size() - 1, static_cast<size_t>(p * (values.size() - 1) + 0.5));
+    return values[index] / 1000.0;
+}
+
+double ThreadCpuSeconds(std::thread& thread) {
+    clockid_t clock;
+    if (pthread_getcpuclockid(thread.native_handle(), &clock) != 0) return 0.0;
+    timespec t{};
+    clock_gettime(clock, &t);
+    return t.tv_sec + t.tv_nsec / 1e9;
+}
+
+void RunMode(int mode, int seconds) {
+    gMeasure = Measurements{};
+    FfbEngine engine;
+    EngineSettings settings;
+    settings.Mode = mode;
+    engine.StartWith<BenchPlatform>(settings, nullptr, DeviceGuid{});
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));  // connect and reach the track first
+    const double cpuBefore = ThreadCpuSeconds(engine.thread);
+    gRecording.store(true);
+    const auto begin = std::chrono::steady_clock::now();
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    gRecording.store(false);
+    const double cpuAfter = ThreadCpuSeconds(engine.thread);
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    engine.Stop();
+
+    std::vector<int64_t> lateness(gMeasure.lateness.begin(), gMeasure.lateness.begin() + gMeasure.latenessCount);
+    std::vector<int64_t> latency(gMeasure.eventToFirst.begin(), gMeasure.eventToFirst.begin() + gMeasure.eventCount);
+    const int64_t maxLate = lateness.empty() ? 0 : *std::max_element(lateness.begin(), lateness.end());
+    std::printf("mode %d (%s), %d s, %zu stores, %zu ticks\n", mode,
+                mode == 1 ? "360 Hz interpolated, 1380 us" : "360 Hz telemetry, 2760 us", seconds,
+                lateness.size(), latency.size());
+    std::printf("  lateness vs target offset from t0 (us): p50 %.1f  p99 %.1f  max %.1f\n", Percentile(lateness, 0.50),
+                Percentile(lateness, 0.99), maxLate / 1000.0);
+    std::printf("  event set -> first store of the tick (us): p50 %.1f  p99 %.1f\n", Percentile(latency, 0.50),
+                Percentile(latency, 0.99));
+    std::printf("  engine thread CPU: %.1f ms per second (%.1f %%)\n", (cpuAfter - cpuBefore) * 1000.0 / wall,
+                (cpuAfter - cpuBefore) * 100.0 / wall);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int seconds = 20;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--seconds") == 0 && i + 1 < argc) seconds = std::max(1, std::atoi(argv[++i]));
+    }
+    sim::TelemetryLayoutWriter layout(sim::StandardVariables(), 3, 4096);
+    uint8_t* block = hostsim::Publish(layout.BlockSize());
+    layout.WriteLayout(block);
+    layout.SetStatus(block, irsdk::kStatusConnected);
+
+    std::atomic<bool> stop{false};
+    std::thread simulator([&] {
+        auto next = std::chrono::steady_clock::now();
+        for (int tick = 1; !stop.load(); ++tick) {
+            const int index = tick % layout.NumBuf();
+            layout.WriteFrame(layout.Buffer(block, index), BenchFrame(tick));
+            layout.SetTickCount(block, index, tick);
+            gLastEventSet.store(SteadyNowNanoseconds());
+            hostsim::SignalDataValid();
+            next += std::chrono::nanoseconds(16666667);
+            std::this_thread::sleep_until(next);
+        }
+    });
+    std::printf("Engine pacing benchmark (host, %u hardware threads)\n", std::thread::hardware_concurrency());
+    RunMode(0, seconds);
+    RunMode(1, seconds);
+    stop.store(true);
+    simulator.join();
+    return 0;
+}
