@@ -8,7 +8,8 @@
 namespace veltor {
 namespace {
 
-constexpr std::string_view kTrimSet = " \t\r\n\"";
+// The five characters that TrimField removes from both ends.
+constexpr bool IsTrimmed(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '"'; }
 
 // Optional sign, then digits up to the first other character; 0 without digits. Values beyond 32 bits
 // saturate at the nearest end of the range, so a hostile text cannot wrap a large id into a small one.
@@ -26,11 +27,23 @@ int32_t ParseDecimal(std::string_view text) {
     return static_cast<int32_t>(negative ? -magnitude : magnitude);
 }
 
-// The trimmed rest of the line after `key`, or false when the trimmed line does not begin with it.
-bool MatchKey(std::string_view line, std::string_view key, std::string_view& rest) {
-    const std::string_view trimmed = TrimField(line);
+// The trimmed rest of an already trimmed line after `key`, or false when the line does not begin with it.
+bool MatchTrimmedKey(std::string_view trimmed, std::string_view key, std::string_view& rest) {
     if (trimmed.size() < key.size() || trimmed.compare(0, key.size(), key) != 0) return false;
     rest = TrimField(trimmed.substr(key.size()));
+    return true;
+}
+
+// ParseIntField and ParseTextField for a line the scan has trimmed once already.
+int32_t TrimmedIntField(std::string_view trimmed, std::string_view key) {
+    std::string_view rest;
+    return MatchTrimmedKey(trimmed, key, rest) ? ParseDecimal(rest) : -1;
+}
+
+bool TrimmedTextField(std::string_view trimmed, std::string_view key, std::string& out) {
+    std::string_view rest;
+    if (!MatchTrimmedKey(trimmed, key, rest)) return false;
+    out.assign(rest);
     return true;
 }
 
@@ -51,30 +64,26 @@ enum class LineResult { Next, Stop };
 
 // Value of a driver block's opening line, or -1 when the line opens none.
 int32_t BlockCarIndex(std::string_view line) {
-    const int32_t value = ParseIntField(line, "- CarIdx:");
-    return value >= 0 ? value : ParseIntField(line, "CarIdx:");
+    const int32_t value = TrimmedIntField(line, "- CarIdx:");
+    return value >= 0 ? value : TrimmedIntField(line, "CarIdx:");
 }
 
-// One trimmed line, tested in a fixed order: the first test that fires ends the work on the line.
-LineResult ScanLine(std::string_view line, ScanState& s) {
+// Steps 2 to 5: the session's own keys, which all begin with 'D'.
+void ScanSessionKeys(std::string_view line, ScanState& s) {
     std::string_view rest;
-    if (line.empty()) return LineResult::Next;
-    if (MatchKey(line, "DriverUserName:", rest)) {
+    if (MatchTrimmedKey(line, "DriverUserName:", rest)) {
         s.driverUserName.assign(rest);
-        return LineResult::Next;
-    }
-    if (const int32_t id = ParseIntField(line, "DriverUserID:"); id > 0) {
+    } else if (const int32_t id = TrimmedIntField(line, "DriverUserID:"); id > 0) {
         s.sessionUserId = id;
-        return LineResult::Next;
-    }
-    if (const int32_t index = ParseIntField(line, "DriverCarIdx:"); index >= 0) {
+    } else if (const int32_t index = TrimmedIntField(line, "DriverCarIdx:"); index >= 0) {
         s.driverCarIdx = index;
-        return LineResult::Next;
-    }
-    if (line == "Drivers:") {
+    } else if (line == "Drivers:") {
         s.inDrivers = true;
-        return LineResult::Next;
     }
+}
+
+// Steps 6 to 11: a driver block's keys, which all begin with '-', 'C' or 'U'.
+LineResult ScanBlockKeys(std::string_view line, ScanState& s) {
     if (!s.inDrivers || s.driverCarIdx < 0) return LineResult::Next;
     if (const int32_t carIndex = BlockCarIndex(line); carIndex >= 0) {
         s.inOwnBlock = carIndex == s.driverCarIdx;
@@ -85,10 +94,28 @@ LineResult ScanLine(std::string_view line, ScanState& s) {
         return s.seenOwnBlock ? LineResult::Stop : LineResult::Next;  // the user's block has ended
     }
     if (!s.inOwnBlock) return LineResult::Next;
-    if (ParseTextField(line, "CarPath:", s.carPath)) return LineResult::Next;
-    if (ParseTextField(line, "UserName:", s.userName)) return LineResult::Next;
-    if (const int32_t id = ParseIntField(line, "UserID:"); id >= 0) s.blockUserId = id;
+    if (TrimmedTextField(line, "CarPath:", s.carPath)) return LineResult::Next;
+    if (TrimmedTextField(line, "UserName:", s.userName)) return LineResult::Next;
+    if (const int32_t id = TrimmedIntField(line, "UserID:"); id >= 0) s.blockUserId = id;
     return LineResult::Next;
+}
+
+// One trimmed line. The tests run in a fixed order and the first that fires ends the work on the line;
+// since every key begins with one of four characters, a line's first character picks the tests that
+// could fire at all, which keeps a long text's scan short.
+LineResult ScanLine(std::string_view line, ScanState& s) {
+    if (line.empty()) return LineResult::Next;
+    switch (line[0]) {
+        case 'D':
+            ScanSessionKeys(line, s);
+            return LineResult::Next;
+        case '-':
+        case 'C':
+        case 'U':
+            return ScanBlockKeys(line, s);
+        default:
+            return LineResult::Next;
+    }
 }
 
 void ScanLines(std::string_view text, ScanState& state) {
@@ -104,22 +131,17 @@ void ScanLines(std::string_view text, ScanState& state) {
 }  // namespace
 
 std::string_view TrimField(std::string_view text) {
-    const size_t first = text.find_first_not_of(kTrimSet);
-    if (first == std::string_view::npos) return {};
-    const size_t last = text.find_last_not_of(kTrimSet);
-    return text.substr(first, last - first + 1);
+    size_t first = 0;
+    size_t end = text.size();
+    while (first < end && IsTrimmed(text[first])) ++first;
+    while (end > first && IsTrimmed(text[end - 1])) --end;
+    return text.substr(first, end - first);
 }
 
-int32_t ParseIntField(std::string_view line, std::string_view key) {
-    std::string_view rest;
-    return MatchKey(line, key, rest) ? ParseDecimal(rest) : -1;
-}
+int32_t ParseIntField(std::string_view line, std::string_view key) { return TrimmedIntField(TrimField(line), key); }
 
 bool ParseTextField(std::string_view line, std::string_view key, std::string& out) {
-    std::string_view rest;
-    if (!MatchKey(line, key, rest)) return false;
-    out.assign(rest);
-    return true;
+    return TrimmedTextField(TrimField(line), key, out);
 }
 
 // UTF-8 first; the ANSI code page only when UTF-8 yields nothing. One fallback text for every failure.
