@@ -193,32 +193,28 @@ bool SessionText(const std::vector<char>& bytes, const char*& text, size_t& leng
     return true;
 }
 
-TEST(SessionInfoRealText, TelemetryFileNamesTheCarAndTheSampleDriver) {
-    const std::vector<char> file = ReadFile(VELTOR_DATA_DIR "/telemetry/mercedesamggt4_sample.ibt");
-    if (file.empty()) GTEST_SKIP() << "mercedesamggt4_sample.ibt not found under " VELTOR_DATA_DIR;
+// Scans the text that a file of the simulator's layout carries and checks the identity found in it.
+void ExpectIdentityIn(const char* fileName, const wchar_t* carPath, const wchar_t* driverName, int32_t userId) {
+    const std::vector<char> bytes = ReadFile(std::string(VELTOR_DATA_DIR "/telemetry/") + fileName);
+    if (bytes.empty()) GTEST_SKIP() << fileName << " not found under " VELTOR_DATA_DIR;
     const char* text = nullptr;
     size_t length = 0;
-    ASSERT_TRUE(SessionText(file, text, length));
+    ASSERT_TRUE(SessionText(bytes, text, length));
     SessionIdentity id;
     ASSERT_TRUE(ScanSessionInfo(text, length, id));
-    EXPECT_EQ(id.carPath, L"mercedesamggt4");
-    EXPECT_EQ(id.driverName, L"Sample Driver GT4");
-    EXPECT_EQ(id.driverUserId, 100064);
+    EXPECT_EQ(id.carPath, carPath);
+    EXPECT_EQ(id.driverName, driverName);
+    EXPECT_EQ(id.driverUserId, userId);
     EXPECT_TRUE(id.driverNameKnown);
 }
 
+TEST(SessionInfoRealText, TelemetryFileNamesTheCarAndTheSampleDriver) {
+    ExpectIdentityIn("mercedesamggt4_sample.ibt", L"mercedesamggt4", L"Sample Driver GT4", 100064);
+}
+
+// The live copy's text is NUL padded to 512 KiB, and its user drives car 63, the last of three blocks.
 TEST(SessionInfoRealText, LiveCopyFindsTheUserInTheLastOfThreeBlocks) {
-    const std::vector<char> memory = ReadFile(VELTOR_DATA_DIR "/telemetry/rt2000_live_memory.bin");
-    if (memory.empty()) GTEST_SKIP() << "rt2000_live_memory.bin not found under " VELTOR_DATA_DIR;
-    const char* text = nullptr;
-    size_t length = 0;
-    ASSERT_TRUE(SessionText(memory, text, length));  // NUL padded to the full 512 KiB
-    SessionIdentity id;
-    ASSERT_TRUE(ScanSessionInfo(text, length, id));
-    EXPECT_EQ(id.carPath, L"rt2000");
-    EXPECT_EQ(id.driverName, L"Driver Number Two2");
-    EXPECT_EQ(id.driverUserId, 100001);
-    EXPECT_TRUE(id.driverNameKnown);
+    ExpectIdentityIn("rt2000_live_memory.bin", L"rt2000", L"Driver Number Two2", 100001);
 }
 
 }  // namespace
