@@ -5,12 +5,24 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <initializer_list>
+#include <memory>
 #include <string>
 
 namespace {
 
 constexpr DWORD kStartTimeoutMs = 60000;   // a cold Wine prefix starts slowly
 constexpr DWORD kPollMs = 100;
+
+bool HoldsInOrder(const std::string& out, std::initializer_list<std::string> texts) {
+    size_t at = 0;
+    for (const std::string& text : texts) {
+        at = out.find(text, at);
+        if (at == std::string::npos) return false;
+        at += text.size();
+    }
+    return true;
+}
 
 // A child process whose standard output goes to a file, read back while it runs.
 class Child {
@@ -49,14 +61,15 @@ public:
         CloseHandle(file);
         return text;
     }
-    // Polls the output until it holds `text`; false after the timeout.
-    bool WaitForOutput(const std::string& text, DWORD timeoutMs) const {
-        for (DWORD waited = 0; waited < timeoutMs; waited += kPollMs) {
-            if (Output().find(text) != std::string::npos) return true;
+    // Polls the output until it holds `texts` in this order; false after the timeout.
+    bool WaitForOutput(std::initializer_list<std::string> texts, DWORD timeoutMs) const {
+        for (DWORD waited = 0;; waited += kPollMs) {
+            if (HoldsInOrder(Output(), texts)) return true;
+            if (waited >= timeoutMs) return false;
             Sleep(kPollMs);
         }
-        return Output().find(text) != std::string::npos;
     }
+    bool WaitForOutput(const std::string& text, DWORD timeoutMs) const { return WaitForOutput({text}, timeoutMs); }
     bool WaitForExit(DWORD timeoutMs) const { return WaitForSingleObject(process.hProcess, timeoutMs) == WAIT_OBJECT_0; }
 
     bool started = false;
@@ -83,24 +96,42 @@ std::wstring TempPath(const wchar_t* name) {
 
 size_t Find(const std::string& text, const std::string& what, size_t from = 0) { return text.find(what, from); }
 
-TEST(SimulatorEndToEnd, EngineFollowsTheSessionAndSilencesThenRestoresTheSimulatorsForce) {
+// One simulator and one harness per test; the harness runs until the test writes its stop file.
+class SimulatorEndToEnd : public ::testing::Test {
+protected:
+    void SetUp() override { DeleteFileW(stopFile.c_str()); }
+    void TearDown() override { DeleteFileW(stopFile.c_str()); }
+
+    void StartBoth(const std::wstring& simulatorArgs, const std::wstring& harnessArgs) {
+        simulator = std::make_unique<Child>(L"\"" + ProgramPath(VELTOR_SIMULATOR_EXE) + L"\" " + simulatorArgs,
+                                            TempPath(L"veltor_e2e_simulator.txt"));
+        ASSERT_TRUE(simulator->started);
+        ASSERT_TRUE(simulator->WaitForOutput("publishing the synthetic drive", kStartTimeoutMs)) << simulator->Output();
+        harness = std::make_unique<Child>(L"\"" + ProgramPath(VELTOR_HARNESS_EXE) + L"\" --seconds 0 --stop-file \"" +
+                                              stopFile + L"\" " + harnessArgs,
+                                          TempPath(L"veltor_e2e_harness.txt"));
+        ASSERT_TRUE(harness->started);
+    }
+    // Stops the harness through its stop file; true once it has exited.
+    bool StopHarness() {
+        CloseHandle(CreateFileW(stopFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                                nullptr));
+        return harness->WaitForExit(kStartTimeoutMs);
+    }
+
     const std::wstring stopFile = TempPath(L"veltor_e2e_stop");
-    DeleteFileW(stopFile.c_str());
-    Child simulator(L"\"" + ProgramPath(VELTOR_SIMULATOR_EXE) + L"\" --seconds 60 --swap-identity-at 7",
-                    TempPath(L"veltor_e2e_simulator.txt"));
-    ASSERT_TRUE(simulator.started);
-    ASSERT_TRUE(simulator.WaitForOutput("publishing the synthetic drive", kStartTimeoutMs)) << simulator.Output();
+    std::unique_ptr<Child> simulator;
+    std::unique_ptr<Child> harness;
+};
 
-    Child harness(L"\"" + ProgramPath(VELTOR_HARNESS_EXE) + L"\" --seconds 0 --stop-file \"" + stopFile + L"\"",
-                  TempPath(L"veltor_e2e_harness.txt"));
-    ASSERT_TRUE(harness.started);
-    const bool swapped = harness.WaitForOutput("car porsche992rgt3, driver \"Second Driver\"", kStartTimeoutMs);
-    CloseHandle(CreateFileW(stopFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(harness.WaitForExit(kStartTimeoutMs));
-    const bool restored = simulator.WaitForOutput("maximum force 2621440", 10000);
+TEST_F(SimulatorEndToEnd, EngineFollowsTheSessionAndSilencesThenRestoresTheSimulatorsForce) {
+    StartBoth(L"--seconds 60 --swap-identity-at 7", L"");
+    const bool swapped = harness->WaitForOutput("car porsche992rgt3, driver \"Second Driver\"", kStartTimeoutMs);
+    ASSERT_TRUE(StopHarness());
+    const bool restored = simulator->WaitForOutput("maximum force 2621440", 10000);
 
-    const std::string engine = harness.Output();
-    const std::string sim = simulator.Output();
+    const std::string engine = harness->Output();
+    const std::string sim = simulator->Output();
     EXPECT_TRUE(swapped) << engine;
     const size_t connected = Find(engine, "status: connected, ");
     EXPECT_NE(Find(engine, "car bmwm4gt3, driver \"Synthetic Driver\", user id 424242, name known 1"), std::string::npos);
@@ -116,7 +147,27 @@ TEST(SimulatorEndToEnd, EngineFollowsTheSessionAndSilencesThenRestoresTheSimulat
     ASSERT_NE(suppressed, std::string::npos) << sim;
     EXPECT_TRUE(restored) << sim;
     EXPECT_NE(Find(sim, "broadcast: maximum force 2621440", suppressed), std::string::npos) << sim;
-    DeleteFileW(stopFile.c_str());
+}
+
+// The simulator leaves and comes back while the engine holds its handles: the named objects live on, so
+// the engine sees the status bit fall and rise again in the same memory. The session's user id differs
+// from the block's, and the wheelbase mode sets the suppression from the force strength.
+TEST_F(SimulatorEndToEnd, EngineFollowsTheSimulatorAwayAndBackWithTheWheelbaseSuppression) {
+    StartBoth(L"--seconds 60 --identity differing-ids --disappear-at 4 --absent-for 2",
+              L"SimucubeMode=1 ForceStrength=40");
+    const bool back = harness->WaitForOutput({"status: connected", "status: disconnected", "status: connected"},
+                                             kStartTimeoutMs);
+    ASSERT_TRUE(StopHarness());
+    const std::string engine = harness->Output();
+    EXPECT_TRUE(back) << engine << simulator->Output();
+    EXPECT_NE(Find(engine, "driver \"Synthetic Driver\", user id 424242, name known 0"), std::string::npos) << engine;
+    // 2000 / 40 = 50 Nm as 16.16, once for the whole connection.
+    const bool restored = simulator->WaitForOutput("maximum force 2621440", 10000);
+    const std::string sim = simulator->Output();
+    EXPECT_TRUE(restored) << sim;
+    const size_t suppressed = Find(sim, "broadcast: maximum force 3276800");
+    ASSERT_NE(suppressed, std::string::npos) << sim;
+    EXPECT_EQ(Find(sim, "broadcast: maximum force 3276800", suppressed + 1), std::string::npos) << sim;
 }
 
 }  // namespace
