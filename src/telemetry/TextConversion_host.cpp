@@ -18,32 +18,31 @@ std::string_view UpToNul(const std::string& text) {
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0u) == 0x80u; }
 
+// Length of a sequence from its lead byte; 0 for a byte that cannot lead one.
+size_t SequenceLength(unsigned char lead) {
+    if (lead < 0x80u) return 1;
+    if ((lead & 0xE0u) == 0xC0u) return 2;
+    if ((lead & 0xF0u) == 0xE0u) return 3;
+    if ((lead & 0xF8u) == 0xF0u) return 4;
+    return 0;
+}
+
+// The smallest code point each length may carry: anything below is an overlong form.
+constexpr char32_t kSmallestOfLength[5] = {0, 0, 0x80, 0x800, 0x10000};
+
 // Decodes one UTF-8 sequence at `at`; false for a malformed, overlong or surrogate sequence.
 bool DecodeUtf8(std::string_view in, size_t& at, char32_t& code) {
     const auto lead = static_cast<unsigned char>(in[at]);
-    int extra = 0;
-    char32_t minimum = 0;
-    if (lead < 0x80u) {
-        code = lead;
-        ++at;
-        return true;
-    } else if ((lead & 0xE0u) == 0xC0u) {
-        extra = 1, code = lead & 0x1Fu, minimum = 0x80;
-    } else if ((lead & 0xF0u) == 0xE0u) {
-        extra = 2, code = lead & 0x0Fu, minimum = 0x800;
-    } else if ((lead & 0xF8u) == 0xF0u) {
-        extra = 3, code = lead & 0x07u, minimum = 0x10000;
-    } else {
-        return false;
-    }
-    if (at + static_cast<size_t>(extra) >= in.size()) return false;
-    for (int i = 1; i <= extra; ++i) {
-        const auto byte = static_cast<unsigned char>(in[at + static_cast<size_t>(i)]);
+    const size_t length = SequenceLength(lead);
+    if (length == 0 || at + length > in.size()) return false;
+    code = length == 1 ? lead : (lead & (0x7Fu >> length));
+    for (size_t i = 1; i < length; ++i) {
+        const auto byte = static_cast<unsigned char>(in[at + i]);
         if (!IsContinuation(byte)) return false;
         code = (code << 6) | (byte & 0x3Fu);
     }
-    if (code < minimum || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return false;
-    at += static_cast<size_t>(extra) + 1;
+    if (code < kSmallestOfLength[length] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return false;
+    at += length;
     return true;
 }
 

@@ -41,7 +41,7 @@ constexpr std::pair<std::string_view, bool EngineSettings::*> kSwitchFields[] = 
 
 bool ParseInteger(const std::string& text, int32_t& value) {
     char* end = nullptr;
-    const long parsed = std::strtol(text.c_str(), &end, 10);
+    const long long parsed = std::strtoll(text.c_str(), &end, 10);
     if (text.empty() || *end != '\0' || parsed < INT32_MIN || parsed > INT32_MAX) return false;
     value = static_cast<int32_t>(parsed);
     return true;

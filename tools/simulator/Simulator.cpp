@@ -168,9 +168,7 @@ void Simulator::TearNewestBuffer() {
         WriteSourceFrame(layout->Buffer(block, newest));
         layout->SetTickCount(block, newest, ++tickCount);
         ++rewrites;
-        const auto pause = std::chrono::steady_clock::now() + kTearSpacing;
-        while (std::chrono::steady_clock::now() < pause) {
-        }
+        std::this_thread::sleep_for(kTearSpacing);
     }
     Log("torn: buffer %d rewritten %d times during the read, tick now %d\n", newest, rewrites, tickCount);
 }
