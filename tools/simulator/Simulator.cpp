@@ -78,13 +78,12 @@ bool ParseSimulatorOptions(int argc, const char* const* argv, SimulatorOptions& 
 bool Simulator::Start(const SimulatorOptions& startOptions, std::string& error) {
     Stop();
     options = startOptions;
-    if (!LoadSource(error)) return false;
     step = 0;
     tickCount = 0;
     newest = -1;
     generation = 0;
     lastPhase = nullptr;
-    if (!PublishBlock(error)) return false;
+    if (!LoadSource(error) || !PublishBlock(error)) return false;
     Log("publishing %s: %zu variables, %d buffers of %d bytes, session info %zu bytes, %.0f ticks/s\n",
         replay ? options.ibtPath.c_str() : "the synthetic drive", layout->Variables().size(), layout->NumBuf(),
         layout->BufLen(), sessionText.size(), tickRate);
@@ -231,13 +230,15 @@ void Simulator::Log(const char* format, ...) {
 }
 
 int RunSimulator(const SimulatorOptions& options, const std::atomic<bool>& stop, std::FILE* log) {
+    // The listener comes first: a program that finds the simulator may broadcast at once.
+    if (!publisher::StartListening() && log != nullptr) std::fprintf(log, "cannot hear the broadcast\n");
     Simulator simulator(options.quiet ? nullptr : log);
     std::string error;
     if (!simulator.Start(options, error)) {
         std::fprintf(stderr, "simulator: %s\n", error.c_str());
+        publisher::StopListening();
         return 1;
     }
-    if (!publisher::StartListening() && log != nullptr) std::fprintf(log, "cannot hear the broadcast\n");
     const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(simulator.StepSeconds()));
     const auto limit = static_cast<int64_t>(options.seconds / simulator.StepSeconds());
