@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace veltor {
 
@@ -15,5 +16,11 @@ struct SessionIdentity {
 
 // Scans exactly `length` bytes of `text`. On false the identity is left as it was.
 bool ScanSessionInfo(const char* text, size_t length, SessionIdentity& identity);
+
+std::string_view TrimField(std::string_view text);
+// -1 when the trimmed line does not begin with `key`; else the decimal value after it.
+int32_t ParseIntField(std::string_view line, std::string_view key);
+bool ParseTextField(std::string_view line, std::string_view key, std::string& out);
+std::wstring ToWideText(const std::string& text);
 
 }  // namespace veltor

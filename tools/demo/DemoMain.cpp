@@ -1,7 +1,9 @@
-// Runs the real engine thread against an in-process simulator that drives a synthetic lap, and prints the
-// engine's status and force statistics once a second.
+// Runs the real engine thread against our simulator over the in-process link, playing its synthetic drive
+// (or, with --ibt FILE, a recorded one), and prints the engine's status and force statistics once a second.
+// Options the demo does not know go to the simulator.
 #include <atomic>
 #include <cmath>
+#include <vector>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,10 +11,9 @@
 #include <string>
 #include <thread>
 
-#include "TelemetryLayoutWriter.h"
+#include "Simulator.h"
 #include "engine/EnginePlatform.h"
 #include "engine/FfbEngine.h"
-#include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
 
 namespace {
@@ -40,56 +41,32 @@ struct DemoPlatform : EnginePlatform {
     }
 };
 
-// A simple lap: on track after a second, a steering torque that swings through corners with a 360 Hz
-// ripple, and a stop in the pits for the last tenth of each minute.
-TelemetryFrame LapFrame(int tick) {
-    const double t = tick / 60.0;
-    TelemetryFrame f;
-    const double lap = std::fmod(t, 60.0);
-    f.isOnTrack = (t > 1.0 && lap < 54.0) ? 1 : 0;
-    f.speed = static_cast<float>(35.0 + 15.0 * std::sin(t * 0.3));
-    f.velocityX = f.speed;
-    f.steeringWheelAngleMax = 9.42f;
-    for (int i = 0; i < kMaxSubSamples; ++i) {
-        const double ts = t + i / 360.0;
-        f.torqueSamples[i] = static_cast<float>(14.0 * std::sin(ts * 0.9) + 0.8 * std::sin(ts * 2.0 * 3.14159 * 12.0));
-        f.lfShockDeflSamples[i] = static_cast<float>(0.05 + 0.002 * std::sin(ts * 40.0));
-        f.rfShockDeflSamples[i] = static_cast<float>(0.05 + 0.002 * std::cos(ts * 37.0));
-    }
-    f.torqueSampleCount = kMaxSubSamples;
-    f.steeringWheelTorque = f.torqueSamples[5];
-    f.steeringWheelAngle = static_cast<float>(0.6 * std::sin(t * 0.9));
-    f.latAccel = static_cast<float>(12.0 * std::sin(t * 0.9));
-    f.yawRate = static_cast<float>(0.4 * std::sin(t * 0.9));
-    return f;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     int seconds = 20;
     int mode = 0;
+    std::vector<const char*> simulatorArgs{argv[0], "--quiet"};
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--seconds") == 0 && i + 1 < argc) seconds = std::atoi(argv[++i]);
-        if (std::strcmp(argv[i], "--mode") == 0 && i + 1 < argc) mode = std::atoi(argv[++i]);
+        if (std::strcmp(argv[i], "--seconds") == 0 && i + 1 < argc) {
+            seconds = std::atoi(argv[++i]);
+        } else if (std::strcmp(argv[i], "--mode") == 0 && i + 1 < argc) {
+            mode = std::atoi(argv[++i]);
+        } else {
+            simulatorArgs.push_back(argv[i]);
+        }
     }
-
-    sim::TelemetryLayoutWriter layout(sim::StandardVariables(), 3, 4096);
-    uint8_t* block = hostsim::Publish(layout.BlockSize());
-    layout.WriteLayout(block);
-    layout.SetStatus(block, irsdk::kStatusConnected);
+    sim::SimulatorOptions options;
+    std::string error;
+    if (!sim::ParseSimulatorOptions(static_cast<int>(simulatorArgs.size()), simulatorArgs.data(), options, error)) {
+        std::fprintf(stderr, "veltor_demo: %s\nusage: veltor_demo [--seconds N] [--mode 0|1] and %s", error.c_str(),
+                     sim::SimulatorUsage());
+        return 2;
+    }
 
     std::atomic<bool> stop{false};
     std::thread simulator([&] {
-        auto next = std::chrono::steady_clock::now();
-        for (int tick = 1; !stop.load(); ++tick) {
-            const int index = tick % layout.NumBuf();
-            layout.WriteFrame(layout.Buffer(block, index), LapFrame(tick));
-            layout.SetTickCount(block, index, tick);
-            hostsim::SignalDataValid();
-            next += std::chrono::microseconds(16667);
-            std::this_thread::sleep_until(next);
-        }
+        if (sim::RunSimulator(options, stop, stdout) != 0) std::exit(1);
     });
 
     FfbEngine engine;

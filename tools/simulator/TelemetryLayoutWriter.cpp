@@ -42,15 +42,27 @@ std::vector<VariableSpec> StandardVariables(bool withCentreShock) {
     return vars;
 }
 
-TelemetryLayoutWriter::TelemetryLayoutWriter(std::vector<VariableSpec> vars, int buffers, size_t capacity)
+std::vector<VariableSpec> SimulatorVariables() {
+    std::vector<VariableSpec> vars = StandardVariables(true);
+    vars.push_back({"SessionTime", VarType::Double, 1});
+    vars.push_back({"Gear", VarType::Int, 1});
+    vars.push_back({"RPM", VarType::Float, 1});
+    vars.push_back({"Throttle", VarType::Float, 1});
+    vars.push_back({"Brake", VarType::Float, 1});
+    vars.push_back({"LapDistPct", VarType::Float, 1});
+    return vars;
+}
+
+TelemetryLayoutWriter::TelemetryLayoutWriter(std::vector<VariableSpec> vars, int buffers, size_t capacity,
+                                             int32_t givenBufLen)
     : variables(std::move(vars)), numBuf(buffers) {
     size_t offset = 0;
     for (const VariableSpec& v : variables) {
-        offset = static_cast<size_t>(AlignUp(offset, ElementSize(v.type)));
+        offset = v.offset >= 0 ? static_cast<size_t>(v.offset) : static_cast<size_t>(AlignUp(offset, ElementSize(v.type)));
         varOffsets.push_back(static_cast<int32_t>(offset));
         offset += ElementSize(v.type) * static_cast<size_t>(std::max(v.count, 0));
     }
-    bufLen = AlignUp(std::max<size_t>(offset, 4), 16);
+    bufLen = givenBufLen > 0 ? givenBufLen : AlignUp(std::max<size_t>(offset, 4), 16);
     sessionInfoOffset = static_cast<int32_t>(irsdk::kHeaderSize);
     sessionInfoCapacity = static_cast<int32_t>(capacity);
     varHeaderOffset = AlignUp(static_cast<size_t>(sessionInfoOffset) + capacity, 16);
@@ -115,6 +127,16 @@ void TelemetryLayoutWriter::SetFloat(uint8_t* buffer, std::string_view name, flo
 void TelemetryLayoutWriter::SetBool(uint8_t* buffer, std::string_view name, bool value) const {
     const int32_t offset = VarOffset(name);
     if (offset >= 0) buffer[offset] = value ? 1 : 0;
+}
+
+void TelemetryLayoutWriter::SetInt(uint8_t* buffer, std::string_view name, int32_t value) const {
+    const int32_t offset = VarOffset(name);
+    if (offset >= 0) StoreI32(buffer + offset, value);
+}
+
+void TelemetryLayoutWriter::SetDouble(uint8_t* buffer, std::string_view name, double value) const {
+    const int32_t offset = VarOffset(name);
+    if (offset >= 0) std::memcpy(buffer + offset, &value, sizeof value);
 }
 
 void TelemetryLayoutWriter::WriteFrame(uint8_t* buffer, const TelemetryFrame& frame) const {

@@ -16,16 +16,21 @@ struct VariableSpec {
     std::string name;
     VarType type = VarType::Float;
     int32_t count = 1;
+    int32_t offset = -1;  // inside a telemetry buffer; -1: laid out after the previous variable
 };
 
 // The 15 variables the program reads, with the simulator's types and counts.
 std::vector<VariableSpec> StandardVariables(bool withCentreShock = false);
+// What our simulator publishes: the 15 and a few the program does not read, as the real one has many.
+std::vector<VariableSpec> SimulatorVariables();
 
 // Writes memory blocks of the simulator's published layout: header, session-info text, variable headers
 // and `numBuf` rotating telemetry buffers. Shared by our simulator, the replay tool and the tests.
 class TelemetryLayoutWriter {
 public:
-    TelemetryLayoutWriter(std::vector<VariableSpec> variables, int numBuf, size_t sessionInfoCapacity);
+    // `bufLen` 0 sizes the buffers from the variables; a replayed file brings its own length and offsets.
+    TelemetryLayoutWriter(std::vector<VariableSpec> variables, int numBuf, size_t sessionInfoCapacity,
+                          int32_t bufLen = 0);
 
     size_t BlockSize() const { return blockSize; }
     int32_t BufLen() const { return bufLen; }
@@ -47,6 +52,8 @@ public:
 
     void SetFloat(uint8_t* buffer, std::string_view name, float value, int element = 0) const;
     void SetBool(uint8_t* buffer, std::string_view name, bool value) const;
+    void SetInt(uint8_t* buffer, std::string_view name, int32_t value) const;
+    void SetDouble(uint8_t* buffer, std::string_view name, double value) const;
     // Writes every variable of the layout that a frame carries; arrays take as many samples as they hold.
     void WriteFrame(uint8_t* buffer, const TelemetryFrame& frame) const;
 

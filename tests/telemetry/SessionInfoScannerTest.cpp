@@ -1,0 +1,221 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "telemetry/IrsdkLayout.h"
+#include "telemetry/SessionInfoScanner.h"
+
+namespace veltor {
+namespace {
+
+bool Scan(const std::string& text, SessionIdentity& identity) {
+    return ScanSessionInfo(text.data(), text.size(), identity);
+}
+
+std::string Block(int carIdx, const std::string& name, const std::string& path, int userId) {
+    return " - CarIdx: " + std::to_string(carIdx) + "\n   UserName: " + name + "\n   UserID: " +
+           std::to_string(userId) + "\n   CarPath: " + path + "\n";
+}
+
+// Session info as the simulator writes it: the user's car index ahead of the driver blocks.
+std::string Session(int driverCarIdx, const std::string& blocks, const std::string& before = "") {
+    return "WeekendInfo:\n TrackName: somewhere\nDriverInfo:\n" + before +
+           " DriverCarIdx: " + std::to_string(driverCarIdx) + "\n Drivers:\n" + blocks;
+}
+
+TEST(SessionInfoFields, TrimRemovesBlanksTabsLineEndsAndQuotesAtBothEndsOnly) {
+    EXPECT_EQ(TrimField(" \t\"a \"b\"\r\n"), "a \"b");
+    EXPECT_EQ(TrimField(" \"\r\n\t"), "");
+    EXPECT_EQ(TrimField("x"), "x");
+}
+
+TEST(SessionInfoFields, ParseIntMatchesTheTrimmedLinePrefixCaseSensitively) {
+    EXPECT_EQ(ParseIntField("  UserID: 42\r", "UserID:"), 42);
+    EXPECT_EQ(ParseIntField("UserID:42", "UserID:"), 42);
+    EXPECT_EQ(ParseIntField("userid: 42", "UserID:"), -1);
+    EXPECT_EQ(ParseIntField("User", "UserID:"), -1);
+    EXPECT_EQ(ParseIntField("UserID: -7", "UserID:"), -7);
+    EXPECT_EQ(ParseIntField("UserID: +7", "UserID:"), 7);
+    EXPECT_EQ(ParseIntField("UserID: 12ab3", "UserID:"), 12);
+    EXPECT_EQ(ParseIntField("UserID: abc", "UserID:"), 0);
+    EXPECT_EQ(ParseIntField("UserID: \"17\"", "UserID:"), 17);
+}
+
+TEST(SessionInfoFields, ParseIntSaturatesNumbersBeyondThirtyTwoBits) {
+    EXPECT_EQ(ParseIntField("Id: 2147483647", "Id:"), INT32_MAX);
+    EXPECT_EQ(ParseIntField("Id: 2147483648", "Id:"), INT32_MAX);
+    EXPECT_EQ(ParseIntField("Id: 99999999999999999999999999", "Id:"), INT32_MAX);
+    EXPECT_EQ(ParseIntField("Id: -2147483648", "Id:"), INT32_MIN);
+    EXPECT_EQ(ParseIntField("Id: -99999999999999999999999999", "Id:"), INT32_MIN);
+}
+
+TEST(SessionInfoFields, ParseTextStoresTheTrimmedRestOrLeavesTheOutputAlone) {
+    std::string out = "before";
+    EXPECT_FALSE(ParseTextField("CarPat: x", "CarPath:", out));
+    EXPECT_EQ(out, "before");
+    EXPECT_TRUE(ParseTextField("CarPath:", "CarPath:", out));
+    EXPECT_EQ(out, "");
+    EXPECT_TRUE(ParseTextField("   CarPath:\"dallara f3\" \r", "CarPath:", out));
+    EXPECT_EQ(out, "dallara f3");
+}
+
+TEST(SessionInfoFields, WideTextDecodesUtf8AndFallsBackToGenericForNothing) {
+    EXPECT_EQ(ToWideText(""), L"generic");
+    EXPECT_EQ(ToWideText("rt2000"), L"rt2000");
+    EXPECT_EQ(ToWideText("J\xC3\xBCrgen \xC3\x85str\xC3\xB6m"), L"J\u00fcrgen \u00c5str\u00f6m");
+    EXPECT_EQ(ToWideText(std::string("\0abc", 4)), L"generic");
+    EXPECT_EQ(ToWideText(std::string("ab\0cd", 5)), L"ab");
+}
+
+TEST(SessionInfoScan, TakesTheUsersBlockAndReadsNothingAfterTheNextBlockLine) {
+    const std::string text = Session(5, Block(3, "Three", "car3", 300) + Block(5, "Five", "car5", 500) +
+                                            " - CarIdx: 6\n   UserName: Six\n   CarPath: car6\n   UserID: 600\n");
+    SessionIdentity id;
+    ASSERT_TRUE(Scan(text, id));
+    EXPECT_EQ(id.carPath, L"car5");
+    EXPECT_EQ(id.driverName, L"Five");
+    EXPECT_EQ(id.driverUserId, 500);
+    EXPECT_TRUE(id.driverNameKnown);
+
+    // A car path where the user's block would go on proves nothing after index 6's line is read.
+    const std::string late = Session(5, Block(5, "Five", "", 500) + " - CarIdx: 6\n   CarPath: late\n");
+    EXPECT_FALSE(Scan(late, id));
+}
+
+TEST(SessionInfoScan, KeysOutsideTheDriverBlocksAreIgnoredOrFollowTheirOrder) {
+    SessionIdentity id;
+    // A car path ahead of "Drivers:" is ignored.
+    EXPECT_FALSE(Scan("DriverCarIdx: 0\nCarPath: early\nDrivers:\n- CarIdx: 0\nUserName: A\n", id));
+    // "DriverCarIdx:" after "Drivers:" still counts from that line on.
+    ASSERT_TRUE(Scan("Drivers:\n- CarIdx: 2\nCarPath: skipped\nDriverCarIdx: 2\n- CarIdx: 2\nCarPath: mine\n", id));
+    EXPECT_EQ(id.carPath, L"mine");
+    // "Drivers:" is matched after trimming, but not with more text behind it.
+    EXPECT_TRUE(Scan("DriverCarIdx: 0\n   Drivers:  \n- CarIdx: 0\nCarPath: p\n", id));
+    EXPECT_FALSE(Scan("DriverCarIdx: 0\nDrivers: none\n- CarIdx: 0\nCarPath: p\n", id));
+    // "- CarIdx:" followed by letters opens the block of car index 0.
+    ASSERT_TRUE(Scan("DriverCarIdx: 0\nDrivers:\n- CarIdx: abc\nCarPath: zero\n", id));
+    EXPECT_EQ(id.carPath, L"zero");
+    // A plain "CarIdx:" line opens a block too, and a value without a blank after the colon is found.
+    ASSERT_TRUE(Scan("DriverCarIdx:1\nDrivers:\nCarIdx:1\nCarPath:plain\n", id));
+    EXPECT_EQ(id.carPath, L"plain");
+}
+
+TEST(SessionInfoScan, UserIdsAndTheNameKnownFlag) {
+    SessionIdentity id;
+    const std::string blocks = Block(0, "Block Name", "car", 200);
+    // Session id wins; without a session name, differing ids make the name unknown.
+    ASSERT_TRUE(Scan(Session(0, blocks, " DriverUserID: 100\n"), id));
+    EXPECT_EQ(id.driverUserId, 100);
+    EXPECT_EQ(id.driverName, L"Block Name");
+    EXPECT_FALSE(id.driverNameKnown);
+    // A session name makes the name known and is preferred.
+    ASSERT_TRUE(Scan(Session(0, blocks, " DriverUserName: Session Name\n DriverUserID: 100\n"), id));
+    EXPECT_EQ(id.driverName, L"Session Name");
+    EXPECT_TRUE(id.driverNameKnown);
+    // An empty session name counts as absent.
+    ASSERT_TRUE(Scan(Session(0, blocks, " DriverUserName: \n DriverUserID: 100\n"), id));
+    EXPECT_EQ(id.driverName, L"Block Name");
+    EXPECT_FALSE(id.driverNameKnown);
+    // A session id of 0 leaves the block's id.
+    ASSERT_TRUE(Scan(Session(0, blocks, " DriverUserID: 0\n"), id));
+    EXPECT_EQ(id.driverUserId, 200);
+    EXPECT_TRUE(id.driverNameKnown);
+    // A block id of -1 counts as 0.
+    ASSERT_TRUE(Scan(Session(0, Block(0, "N", "car", -1)), id));
+    EXPECT_EQ(id.driverUserId, 0);
+    // No name anywhere gives "unknown".
+    ASSERT_TRUE(Scan("DriverCarIdx: 0\nDrivers:\n- CarIdx: 0\nCarPath: car\n", id));
+    EXPECT_EQ(id.driverName, L"unknown");
+}
+
+TEST(SessionInfoScan, LineEndsQuotesAndPaddingLeaveNoTrace) {
+    SessionIdentity id;
+    const std::string crlf = "DriverCarIdx: 1\r\nDrivers:\r\n- CarIdx: 1\r\n  UserName: \"Quoted Name\"\r\n"
+                             "  CarPath: \"porsche 911\"  \"\r\n";
+    ASSERT_TRUE(Scan(crlf, id));
+    EXPECT_EQ(id.carPath, L"porsche 911");
+    EXPECT_EQ(id.driverName, L"Quoted Name");
+
+    std::string padded = "DriverCarIdx: 0\nDrivers:\n- CarIdx: 0\nCarPath: padded\n";
+    padded.append(64, '\0');
+    ASSERT_TRUE(Scan(padded, id));
+    EXPECT_EQ(id.carPath, L"padded");
+}
+
+TEST(SessionInfoScan, FailuresLeaveTheIdentityAsItWas) {
+    SessionIdentity id;
+    id.carPath = L"kept";
+    id.driverUserId = 9;
+    EXPECT_FALSE(ScanSessionInfo("", 0, id));
+    EXPECT_FALSE(ScanSessionInfo(nullptr, 0, id));
+    EXPECT_FALSE(Scan("Drivers:\n- CarIdx: 0\nCarPath: nouser\n", id));          // no DriverCarIdx
+    EXPECT_FALSE(Scan("DriverCarIdx: -1\nDrivers:\n- CarIdx: 0\nCarPath: x\n", id));
+    EXPECT_FALSE(Scan(Session(4, Block(3, "A", "a", 1)), id));                   // no block of index 4
+    EXPECT_FALSE(Scan(Session(3, Block(3, "A", "", 1)), id));                    // empty car path
+    EXPECT_EQ(id.carPath, L"kept");
+    EXPECT_EQ(id.driverUserId, 9);
+}
+
+TEST(SessionInfoScan, ReadsExactlyTheGivenLength) {
+    // The given length cuts the text inside the user's car path: only the bytes before the cut count.
+    const std::string text = "DriverCarIdx: 0\nDrivers:\n- CarIdx: 0\nCarPath: abcdef\n";
+    const size_t cut = text.find("def");
+    std::vector<char> exact(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(cut));
+    SessionIdentity id;
+    ASSERT_TRUE(ScanSessionInfo(exact.data(), exact.size(), id));  // ASan reports any read past the vector
+    EXPECT_EQ(id.carPath, L"abc");
+}
+
+std::vector<char> ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+int32_t LoadI32(const std::vector<char>& bytes, size_t offset) {
+    int32_t v = 0;
+    std::memcpy(&v, bytes.data() + offset, sizeof v);
+    return v;
+}
+
+// The session-info text as the header of a live copy or a telemetry file places it.
+bool SessionText(const std::vector<char>& bytes, const char*& text, size_t& length) {
+    if (bytes.size() < irsdk::kHeaderSize) return false;
+    const int32_t len = LoadI32(bytes, irsdk::kSessionInfoLenOffset);
+    const int32_t offset = LoadI32(bytes, irsdk::kSessionInfoOffsetOffset);
+    if (len <= 0 || offset < 0 || static_cast<size_t>(offset) + static_cast<size_t>(len) > bytes.size()) return false;
+    text = bytes.data() + offset;
+    length = static_cast<size_t>(len);
+    return true;
+}
+
+// Scans the text that a file of the simulator's layout carries and checks the identity found in it.
+void ExpectIdentityIn(const char* fileName, const wchar_t* carPath, const wchar_t* driverName, int32_t userId) {
+    const std::vector<char> bytes = ReadFile(std::string(VELTOR_DATA_DIR "/telemetry/") + fileName);
+    if (bytes.empty()) GTEST_SKIP() << fileName << " not found under " VELTOR_DATA_DIR;
+    const char* text = nullptr;
+    size_t length = 0;
+    ASSERT_TRUE(SessionText(bytes, text, length));
+    SessionIdentity id;
+    ASSERT_TRUE(ScanSessionInfo(text, length, id));
+    EXPECT_EQ(id.carPath, carPath);
+    EXPECT_EQ(id.driverName, driverName);
+    EXPECT_EQ(id.driverUserId, userId);
+    EXPECT_TRUE(id.driverNameKnown);
+}
+
+TEST(SessionInfoRealText, TelemetryFileNamesTheCarAndTheSampleDriver) {
+    ExpectIdentityIn("mercedesamggt4_sample.ibt", L"mercedesamggt4", L"Sample Driver GT4", 100064);
+}
+
+// The live copy's text is NUL padded to 512 KiB, and its user drives car 63, the last of three blocks.
+TEST(SessionInfoRealText, LiveCopyFindsTheUserInTheLastOfThreeBlocks) {
+    ExpectIdentityIn("rt2000_live_memory.bin", L"rt2000", L"Driver Number Two2", 100001);
+}
+
+}  // namespace
+}  // namespace veltor

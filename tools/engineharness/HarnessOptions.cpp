@@ -1,0 +1,123 @@
+#include "HarnessOptions.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+namespace veltor::harness {
+namespace {
+
+constexpr std::pair<std::string_view, int32_t EngineSettings::*> kNumberFields[] = {
+    {"Mode", &EngineSettings::Mode},
+    {"MinForce", &EngineSettings::MinForce},
+    {"ForceStrength", &EngineSettings::ForceStrength},
+    {"Bumps", &EngineSettings::Bumps},
+    {"BumpImpacts", &EngineSettings::BumpImpacts},
+    {"Damping", &EngineSettings::Damping},
+    {"AbsVibration", &EngineSettings::AbsVibration},
+    {"Understeer", &EngineSettings::Understeer},
+    {"SuspensionDetailPriority", &EngineSettings::SuspensionDetailPriority},
+    {"CarForceBalance", &EngineSettings::CarForceBalance},
+    {"UndersteerLighten", &EngineSettings::UndersteerLighten},
+    {"UndersteerResistance", &EngineSettings::UndersteerResistance},
+    {"OversteerCorrection", &EngineSettings::OversteerCorrection},
+    {"OversteerOffset", &EngineSettings::OversteerOffset},
+    {"CrashLongG", &EngineSettings::CrashLongG},
+    {"CrashLatG", &EngineSettings::CrashLatG},
+    {"CrashDurationTenths", &EngineSettings::CrashDurationTenths},
+    {"CrashReduction", &EngineSettings::CrashReduction},
+    {"WheelbaseMaxTorqueTenths", &EngineSettings::WheelbaseMaxTorqueTenths},
+};
+
+constexpr std::pair<std::string_view, bool EngineSettings::*> kSwitchFields[] = {
+    {"UseCarSpecificSettings", &EngineSettings::UseCarSpecificSettings},
+    {"ReduceForceWhenParked", &EngineSettings::ReduceForceWhenParked},
+    {"StartMinimized", &EngineSettings::StartMinimized},
+    {"RunOnStartup", &EngineSettings::RunOnStartup},
+    {"SimucubeMode", &EngineSettings::SimucubeMode},
+    {"DebugLogging", &EngineSettings::DebugLogging},
+};
+
+bool ParseInteger(const std::string& text, int32_t& value) {
+    char* end = nullptr;
+    const long long parsed = std::strtoll(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || parsed < INT32_MIN || parsed > INT32_MAX) return false;
+    value = static_cast<int32_t>(parsed);
+    return true;
+}
+
+bool ParseGuid(const std::string& text, DeviceGuid& guid) {
+    if (text.size() != 2 * sizeof guid.bytes) return false;
+    for (size_t i = 0; i < sizeof guid.bytes; ++i) {
+        char* end = nullptr;
+        const std::string pair = text.substr(2 * i, 2);
+        guid.bytes[i] = static_cast<uint8_t>(std::strtoul(pair.c_str(), &end, 16));
+        if (*end != '\0') return false;
+    }
+    return true;
+}
+
+bool ParseSeconds(const std::string& text, double& seconds) {
+    char* end = nullptr;
+    seconds = std::strtod(text.c_str(), &end);
+    return !text.empty() && *end == '\0' && seconds >= 0.0;
+}
+
+}  // namespace
+
+bool SetSettingsField(EngineSettings& settings, const std::string& key, const std::string& value) {
+    int32_t number = 0;
+    if (!ParseInteger(value, number)) return false;
+    for (const auto& [name, field] : kNumberFields) {
+        if (key == name) {
+            settings.*field = number;
+            return true;
+        }
+    }
+    for (const auto& [name, field] : kSwitchFields) {
+        if (key == name) {
+            settings.*field = number != 0;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool ParseHarnessOptions(int argc, const char* const* argv, HarnessOptions& options, std::string& error) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        const size_t equals = arg.find('=');
+        if (equals != std::string::npos && arg.rfind("--", 0) != 0) {
+            if (!SetSettingsField(options.settings, arg.substr(0, equals), arg.substr(equals + 1))) {
+                error = "unknown setting or bad value: " + arg;
+                return false;
+            }
+            continue;
+        }
+        if (i + 1 >= argc) {
+            error = "missing value after " + arg;
+            return false;
+        }
+        const std::string value = argv[++i];
+        bool ok = true;
+        if (arg == "--seconds") {
+            ok = ParseSeconds(value, options.seconds);
+        } else if (arg == "--stop-file") {
+            options.stopFile = value;
+        } else if (arg == "--mode") {
+            ok = SetSettingsField(options.settings, "Mode", value);
+        } else if (arg == "--device") {
+            ok = ParseGuid(value, options.device);
+        } else {
+            ok = false;
+        }
+        if (!ok) {
+            error = "bad option or value: " + arg + " " + value;
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace veltor::harness
