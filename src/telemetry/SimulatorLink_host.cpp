@@ -1,6 +1,7 @@
 #include "telemetry/SimulatorLink_host.h"
 
 #include <condition_variable>
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -19,8 +20,13 @@ struct EventState {
 struct Registry {
     std::mutex lock;
     std::condition_variable changed;
-    std::shared_ptr<std::vector<uint8_t>> block;  // the "named mapping"; null when withdrawn
-    std::shared_ptr<EventState> event;             // the "named event"; null when withdrawn
+    // The simulator's own references. Like kernel objects, the block and the event live on by name while
+    // any handle holds them, so a simulator that comes back while the engine still holds its handles
+    // finds the same objects again.
+    std::shared_ptr<std::vector<uint8_t>> block;  // null when the simulator has withdrawn
+    std::shared_ptr<EventState> event;
+    std::weak_ptr<std::vector<uint8_t>> namedBlock;
+    std::weak_ptr<EventState> namedEvent;
     std::map<const uint8_t*, std::shared_ptr<std::vector<uint8_t>>> views;
     bool waitFailure = false;
     bool mapViewFailure = false;
@@ -46,15 +52,17 @@ namespace link {
 Handle OpenDataValidEvent() {
     Registry& r = Link();
     std::lock_guard guard(r.lock);
-    if (!r.event) return nullptr;
-    return new HostHandle{nullptr, r.event};
+    std::shared_ptr<EventState> event = r.namedEvent.lock();
+    if (!event) return nullptr;
+    return new HostHandle{nullptr, event};
 }
 
 Handle OpenTelemetryMapping() {
     Registry& r = Link();
     std::lock_guard guard(r.lock);
-    if (!r.block) return nullptr;
-    return new HostHandle{r.block, nullptr};
+    std::shared_ptr<std::vector<uint8_t>> block = r.namedBlock.lock();
+    if (!block) return nullptr;
+    return new HostHandle{block, nullptr};
 }
 
 const uint8_t* MapTelemetryView(Handle mapping, size_t& size) {
@@ -119,11 +127,16 @@ void BroadcastMaxForce(int32_t force16_16) {
 
 namespace hostsim {
 
-uint8_t* Publish(size_t size) {
+uint8_t* Publish(size_t size, std::span<const uint8_t> initialContent) {
     Registry& r = Link();
     std::lock_guard guard(r.lock);
-    r.block = std::make_shared<std::vector<uint8_t>>(size, uint8_t{0});
-    if (!r.event) r.event = std::make_shared<EventState>();
+    std::shared_ptr<std::vector<uint8_t>> existing = r.namedBlock.lock();
+    r.block = existing && existing->size() >= size ? existing : std::make_shared<std::vector<uint8_t>>(size, uint8_t{0});
+    r.namedBlock = r.block;
+    std::copy_n(initialContent.begin(), std::min(initialContent.size(), r.block->size()), r.block->begin());
+    std::shared_ptr<EventState> event = r.namedEvent.lock();
+    r.event = event ? event : std::make_shared<EventState>();
+    r.namedEvent = r.event;
     return r.block->data();
 }
 

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 // The simulator's side of the in-process link that stands in for the named mapping and event on hosts
@@ -12,9 +13,11 @@
 // out until EndEdit, so every write of the edit happens before the engine's next read.
 namespace veltor::hostsim {
 
-// Creates (or replaces) the published block of `size` zero bytes and the event. Returns the writable base.
-uint8_t* Publish(size_t size);
-// Removes the names, as the simulator's exit would; views already mapped stay readable until unmapped.
+// Creates the block of `size` bytes, with `initialContent` at its start and zeros after, and the event.
+// A block and event that a client still holds under the names are taken over instead, as creating a named
+// kernel object that exists opens it. Returns the writable base.
+uint8_t* Publish(size_t size, std::span<const uint8_t> initialContent = {});
+// Drops the simulator's references, as its exit would: the names stay while a client holds a handle.
 void Withdraw();
 bool IsPublished();
 // Sets the data-valid event (auto-reset: one waiter wakes per set).

@@ -13,9 +13,11 @@ ScriptedSimulator::ScriptedSimulator(std::vector<sim::VariableSpec> variables, i
 ScriptedSimulator::~ScriptedSimulator() { hostsim::Withdraw(); }
 
 void ScriptedSimulator::Appear(bool connected) {
-    block = hostsim::Publish(layout.BlockSize());
-    layout.WriteLayout(block);
-    layout.SetStatus(block, connected ? irsdk::kStatusConnected : 0);
+    // The layout is written before publishing, so the engine never sees a half-written header.
+    std::vector<uint8_t> content(layout.BlockSize(), 0);
+    layout.WriteLayout(content.data());
+    layout.SetStatus(content.data(), connected ? irsdk::kStatusConnected : 0);
+    block = hostsim::Publish(content.size(), content);
 }
 
 void ScriptedSimulator::Disappear() {
