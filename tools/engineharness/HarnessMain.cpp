@@ -9,6 +9,7 @@
 #include "HarnessWindow.h"
 #include "StatusLine.h"
 #include "engine/FfbEngine.h"
+#include "wheel/WheelDevice.h"
 
 namespace {
 
@@ -35,6 +36,13 @@ int main(int argc, char** argv) {
                 window != nullptr ? "made" : "none");
     std::fflush(stdout);
 
+    if (!options.deviceGiven) {
+        // Without --device, the first force-feedback wheel the system lists, as the window would select.
+        std::vector<WheelDevice> wheels;
+        EnumerateWheels(wheels);
+        if (!wheels.empty()) options.device = wheels.front().instanceGuid;
+        std::printf("wheels found: %zu\n", wheels.size());
+    }
     FfbEngine engine;
     engine.Start(options.settings, window, options.device);
     const auto start = std::chrono::steady_clock::now();

@@ -109,6 +109,7 @@ bool ParseHarnessOptions(int argc, const char* const* argv, HarnessOptions& opti
             ok = SetSettingsField(options.settings, "Mode", value);
         } else if (arg == "--device") {
             ok = ParseGuid(value, options.device);
+            options.deviceGiven = ok;
         } else {
             ok = false;
         }

@@ -9,6 +9,7 @@ namespace veltor::harness {
 struct HarnessOptions {
     EngineSettings settings;
     DeviceGuid device;
+    bool deviceGiven = false;  // --device was on the command line
     double seconds = 10.0;   // 0: until the stop file appears
     std::string stopFile;    // the harness stops once this file exists
 };
