@@ -7,7 +7,7 @@ namespace veltor {
 namespace {
 
 constexpr int32_t kParkedDivisor = 4;  // parked cars get a quarter of the force
-constexpr int32_t kMinForceUnitsPerStep = 100;  // output units per step of MinForce
+constexpr float kMinForceUnitsPerStep = 100.0f;  // output units per step of MinForce
 constexpr float kKneeOffsetUnits = 400.0f;
 constexpr float kKneeCeilingUnits = 9996.0f;
 constexpr float kMaxCurveSlope = 3.0f;
@@ -19,7 +19,7 @@ constexpr float kLockStopUnits = 10000.0f;
 // The low-force curve: a cubic Hermite from (0, 0) with slope k to (1, 1) with slope 1, below the knee.
 int32_t LowForceCurve(int32_t value, int32_t minForce) {
     const float a = std::fabs(static_cast<float>(value));
-    const float m = static_cast<float>(minForce * kMinForceUnitsPerStep);
+    const float m = static_cast<float>(minForce) * kMinForceUnitsPerStep;
     const float knee = std::min(std::max(m + kKneeOffsetUnits, 2.0f * m), kKneeCeilingUnits);
     if (a >= knee) return value;
     const float t = a / knee;

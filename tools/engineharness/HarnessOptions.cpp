@@ -1,5 +1,7 @@
 #include "HarnessOptions.h"
 
+#include "engine/SettingsKeys.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -7,45 +9,6 @@
 
 namespace veltor::harness {
 namespace {
-
-constexpr std::pair<std::string_view, int32_t EngineSettings::*> kNumberFields[] = {
-    {"Mode", &EngineSettings::Mode},
-    {"MinForce", &EngineSettings::MinForce},
-    {"ForceStrength", &EngineSettings::ForceStrength},
-    {"Bumps", &EngineSettings::Bumps},
-    {"BumpImpacts", &EngineSettings::BumpImpacts},
-    {"Damping", &EngineSettings::Damping},
-    {"AbsVibration", &EngineSettings::AbsVibration},
-    {"Understeer", &EngineSettings::Understeer},
-    {"SuspensionDetailPriority", &EngineSettings::SuspensionDetailPriority},
-    {"CarForceBalance", &EngineSettings::CarForceBalance},
-    {"UndersteerLighten", &EngineSettings::UndersteerLighten},
-    {"UndersteerResistance", &EngineSettings::UndersteerResistance},
-    {"OversteerCorrection", &EngineSettings::OversteerCorrection},
-    {"OversteerOffset", &EngineSettings::OversteerOffset},
-    {"CrashLongG", &EngineSettings::CrashLongG},
-    {"CrashLatG", &EngineSettings::CrashLatG},
-    {"CrashDurationTenths", &EngineSettings::CrashDurationTenths},
-    {"CrashReduction", &EngineSettings::CrashReduction},
-    {"WheelbaseMaxTorqueTenths", &EngineSettings::WheelbaseMaxTorqueTenths},
-};
-
-constexpr std::pair<std::string_view, bool EngineSettings::*> kSwitchFields[] = {
-    {"UseCarSpecificSettings", &EngineSettings::UseCarSpecificSettings},
-    {"ReduceForceWhenParked", &EngineSettings::ReduceForceWhenParked},
-    {"StartMinimized", &EngineSettings::StartMinimized},
-    {"RunOnStartup", &EngineSettings::RunOnStartup},
-    {"SimucubeMode", &EngineSettings::SimucubeMode},
-    {"DebugLogging", &EngineSettings::DebugLogging},
-};
-
-bool ParseInteger(const std::string& text, int32_t& value) {
-    char* end = nullptr;
-    const long long parsed = std::strtoll(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || parsed < INT32_MIN || parsed > INT32_MAX) return false;
-    value = static_cast<int32_t>(parsed);
-    return true;
-}
 
 bool ParseGuid(const std::string& text, DeviceGuid& guid) {
     if (text.size() != 2 * sizeof guid.bytes) return false;
@@ -68,20 +31,7 @@ bool ParseSeconds(const std::string& text, double& seconds) {
 
 bool SetSettingsField(EngineSettings& settings, const std::string& key, const std::string& value) {
     int32_t number = 0;
-    if (!ParseInteger(value, number)) return false;
-    for (const auto& [name, field] : kNumberFields) {
-        if (key == name) {
-            settings.*field = number;
-            return true;
-        }
-    }
-    for (const auto& [name, field] : kSwitchFields) {
-        if (key == name) {
-            settings.*field = number != 0;
-            return true;
-        }
-    }
-    return false;
+    return ParseSettingInteger(value, number) && SetSettingByKey(settings, key, number);
 }
 
 bool ParseHarnessOptions(int argc, const char* const* argv, HarnessOptions& options, std::string& error) {

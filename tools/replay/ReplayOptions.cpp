@@ -1,59 +1,12 @@
 #include "ReplayOptions.h"
 
-#include <charconv>
+#include "engine/SettingsKeys.h"
+
 #include <cstdint>
 #include <string_view>
 
 namespace veltor::replay {
 namespace {
-
-struct IntegerKey {
-    std::string_view name;
-    int32_t EngineSettings::*field;
-};
-
-struct SwitchKey {
-    std::string_view name;
-    bool EngineSettings::*field;
-};
-
-constexpr IntegerKey kIntegerKeys[] = {
-    {"Mode", &EngineSettings::Mode},
-    {"MinForce", &EngineSettings::MinForce},
-    {"ForceStrength", &EngineSettings::ForceStrength},
-    {"Bumps", &EngineSettings::Bumps},
-    {"BumpImpacts", &EngineSettings::BumpImpacts},
-    {"Damping", &EngineSettings::Damping},
-    {"AbsVibration", &EngineSettings::AbsVibration},
-    {"Understeer", &EngineSettings::Understeer},
-    {"SuspensionDetailPriority", &EngineSettings::SuspensionDetailPriority},
-    {"CarForceBalance", &EngineSettings::CarForceBalance},
-    {"UndersteerLighten", &EngineSettings::UndersteerLighten},
-    {"UndersteerResistance", &EngineSettings::UndersteerResistance},
-    {"OversteerCorrection", &EngineSettings::OversteerCorrection},
-    {"OversteerOffset", &EngineSettings::OversteerOffset},
-    {"CrashLongG", &EngineSettings::CrashLongG},
-    {"CrashLatG", &EngineSettings::CrashLatG},
-    {"CrashDurationTenths", &EngineSettings::CrashDurationTenths},
-    {"CrashReduction", &EngineSettings::CrashReduction},
-    {"WheelbaseMaxTorqueTenths", &EngineSettings::WheelbaseMaxTorqueTenths},
-};
-
-constexpr SwitchKey kSwitchKeys[] = {
-    {"UseCarSpecificSettings", &EngineSettings::UseCarSpecificSettings},
-    {"ReduceForceWhenParked", &EngineSettings::ReduceForceWhenParked},
-    {"StartMinimized", &EngineSettings::StartMinimized},
-    {"RunOnStartup", &EngineSettings::RunOnStartup},
-    {"SimucubeMode", &EngineSettings::SimucubeMode},
-    {"DebugLogging", &EngineSettings::DebugLogging},
-};
-
-bool ParseInteger(std::string_view text, int32_t& value) {
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    const char* end = text.data() + text.size();
-    const auto [stop, failure] = std::from_chars(text.data(), end, value);
-    return !text.empty() && failure == std::errc() && stop == end;
-}
 
 // The value of the option at argv[i], moving i past it.
 bool TakeValue(int argc, const char* const* argv, int& i, std::string& value, std::string& error) {
@@ -71,22 +24,12 @@ bool ApplySetting(const std::string& assignment, EngineSettings& settings, std::
     const size_t equals = assignment.find('=');
     const std::string_view key = std::string_view(assignment).substr(0, equals);
     int32_t value = 0;
-    if (equals == std::string::npos || !ParseInteger(std::string_view(assignment).substr(equals + 1), value)) {
+    if (equals == std::string::npos ||
+        !ParseSettingInteger(std::string_view(assignment).substr(equals + 1), value)) {
         error = "--set needs Key=Integer, got " + assignment;
         return false;
     }
-    for (const IntegerKey& entry : kIntegerKeys) {
-        if (entry.name == key) {
-            settings.*entry.field = value;
-            return true;
-        }
-    }
-    for (const SwitchKey& entry : kSwitchKeys) {
-        if (entry.name == key) {
-            settings.*entry.field = value != 0;
-            return true;
-        }
-    }
+    if (SetSettingByKey(settings, key, value)) return true;
     error = "unknown setting " + std::string(key);
     return false;
 }
