@@ -21,53 +21,47 @@ EngineSettings WithMinForce(int32_t minForce, bool reduceWhenParked = true) {
     return s;
 }
 
-TEST(ToOutputUnits, MapsFullScaleTorqueOfEachStrengthToTenThousand) {
-    EXPECT_EQ(ToOutputUnits(20.0f, WithStrength(100)), 10000);
-    EXPECT_EQ(ToOutputUnits(40.0f, WithStrength(50)), 10000);
-    EXPECT_EQ(ToOutputUnits(80.0f, WithStrength(25)), 10000);
-    EXPECT_EQ(ToOutputUnits(-40.0f, WithStrength(50)), -10000);
+// Full scale of each strength maps to 10000; truncation toward zero, no clamp; zero for no strength or NaN.
+TEST(ToOutputUnits, TruncatesTowardZeroAtTheStrengthsFullScale) {
+    struct Case {
+        float torque;
+        int32_t strength;
+        int32_t units;
+    };
+    const Case cases[] = {{20.0f, 100, 10000}, {40.0f, 50, 10000},  {80.0f, 25, 10000},    {-40.0f, 50, -10000},
+                          {1.23f, 50, 307},    {-1.23f, 50, -307},  {-0.00399f, 50, 0},    {60.0f, 50, 15000},
+                          {35.0f, 0, 0},       {35.0f, -5, 0},      {std::numeric_limits<float>::quiet_NaN(), 50, 0}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.torque << " Nm at strength " << c.strength);
+        EXPECT_EQ(ToOutputUnits(c.torque, WithStrength(c.strength)), c.units);
+    }
     EXPECT_FLOAT_EQ(FullScaleTorque(WithStrength(50)), 40.0f);
-    EXPECT_FLOAT_EQ(FullScaleTorque(WithStrength(100)), 20.0f);
     EXPECT_FLOAT_EQ(FullScaleTorque(WithStrength(0)), 2000.0f);
-}
-
-TEST(ToOutputUnits, TruncatesTowardZeroAndDoesNotClamp) {
-    EXPECT_EQ(ToOutputUnits(1.23f, WithStrength(50)), 307);    // 307.5
-    EXPECT_EQ(ToOutputUnits(-1.23f, WithStrength(50)), -307);
-    EXPECT_EQ(ToOutputUnits(-0.00399f, WithStrength(50)), 0);  // -0.9975
-    EXPECT_EQ(ToOutputUnits(60.0f, WithStrength(50)), 15000);
-}
-
-TEST(ToOutputUnits, GivesZeroForZeroOrNegativeStrengthAndForNaN) {
-    EXPECT_EQ(ToOutputUnits(35.0f, WithStrength(0)), 0);
-    EXPECT_EQ(ToOutputUnits(35.0f, WithStrength(-5)), 0);
-    EXPECT_EQ(ToOutputUnits(std::numeric_limits<float>::quiet_NaN(), WithStrength(50)), 0);
     EXPECT_GT(ToOutputUnits(1e30f, WithStrength(50)), 9996);
     EXPECT_LT(ToOutputUnits(-1e30f, WithStrength(50)), -9996);
 }
 
-TEST(ShapeOutput, ParkedReductionQuartersTowardZeroAndSkipsTheCurve) {
-    const EngineSettings s = WithMinForce(20);
-    EXPECT_EQ(ShapeOutput(9996, true, s), 2499);
-    EXPECT_EQ(ShapeOutput(-3, true, s), 0);
-    EXPECT_EQ(ShapeOutput(-7, true, s), -1);
-    EXPECT_EQ(ShapeOutput(1, true, s), 0);  // the curve would have made it 3
-}
-
-TEST(ShapeOutput, ParkedWithoutTheSwitchGoesThroughTheCurve) {
-    EXPECT_EQ(ShapeOutput(1, true, WithMinForce(20, false)), 3);
-    EXPECT_EQ(ShapeOutput(9996, true, WithMinForce(0, false)), 9996);
-}
-
-TEST(ShapeOutput, LowForceCurveRaisesSmallForcesUpToTheKnee) {
-    EXPECT_EQ(ShapeOutput(1, false, WithMinForce(20)), 3);
-    EXPECT_EQ(ShapeOutput(-1, false, WithMinForce(20)), -3);
-    EXPECT_EQ(ShapeOutput(4000, false, WithMinForce(20)), 4000);  // at the knee
-    EXPECT_EQ(ShapeOutput(1000, false, WithMinForce(10)), 1250);  // t = 0.5, k = 2: h = 0.625
-    EXPECT_EQ(ShapeOutput(500, false, WithMinForce(5)), 563);     // 562.5 rounds away from zero
-    EXPECT_EQ(ShapeOutput(-500, false, WithMinForce(5)), -563);
-    EXPECT_EQ(ShapeOutput(0, false, WithMinForce(20)), 0);
-    EXPECT_EQ(ShapeOutput(1234, false, WithMinForce(0)), 1234);
+// Parked reduction quarters toward zero and skips the curve; the curve raises small forces up to the knee.
+TEST(ShapeOutput, ParkedReductionAndLowForceCurve) {
+    struct Case {
+        int32_t value;
+        bool parked;
+        int32_t minForce;
+        bool reduceWhenParked;
+        int32_t shaped;
+    };
+    const Case cases[] = {
+        {9996, true, 20, true, 2499}, {-3, true, 20, true, 0},    {-7, true, 20, true, -1},
+        {1, true, 20, true, 0},  // the curve would have made it 3
+        {1, true, 20, false, 3},      {9996, true, 0, false, 9996}, {1, false, 20, true, 3},
+        {-1, false, 20, true, -3},    {4000, false, 20, true, 4000},  // at the knee
+        {1000, false, 10, true, 1250},                                // t = 0.5, k = 2: h = 0.625
+        {500, false, 5, true, 563},                                   // 562.5 rounds away from zero
+        {-500, false, 5, true, -563}, {0, false, 20, true, 0},      {1234, false, 0, true, 1234}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.value << (c.parked ? " parked" : "") << " MinForce " << c.minForce);
+        EXPECT_EQ(ShapeOutput(c.value, c.parked, WithMinForce(c.minForce, c.reduceWhenParked)), c.shaped);
+    }
 }
 
 TEST(ShapeOutput, CurveNeverLowersAForceAndMeetsTheInputAtTheKnee) {

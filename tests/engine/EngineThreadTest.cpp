@@ -295,38 +295,38 @@ TEST_F(EngineThread, SimulatorGoingAwayEndsTheStintAndReleasesTheWheel) {
     EXPECT_EQ(hostsim::Broadcasts(), (std::vector<int32_t>{kSuppression, kRestore, kSuppression}));
 }
 
+// A stop while a burst waits still emits the burst's last output; the interpolated mode first waits for its
+// place, the full count of the loop.
 TEST_F(EngineThread, StopDuringABurstStillEmitsTheLastOutput) {
-    StartEngine();
-    Connect();
-    RecordingPlatform::holdInWait.store(true);
-    ASSERT_TRUE(sim.PublishFrame(OnTrackFrame({1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f})));
-    ASSERT_TRUE(Eventually([] { return ForceLog::Size() >= 1; }));  // held in the wait after output 0
-    engine.stopRequested.store(true);
-    RecordingPlatform::holdInWait.store(false);
-    engine.Stop();
-    const std::vector<StoredForce> stores = ForceLog::Take();
-    EXPECT_EQ(Indices(stores), (std::vector<int32_t>{0, 5}));
-    EXPECT_EQ(Values(stores), (std::vector<int32_t>{250, 1500}));
-    EXPECT_EQ(hostsim::Broadcasts().back(), kRestore);
-    EXPECT_FALSE(engine.running.load());
-}
-
-TEST_F(EngineThread, InterpolatedStopStillWaitsForTheLastOutputsPlace) {
-    EngineSettings settings;
-    settings.Mode = 1;
-    StartEngine(settings);
-    Connect();
-    RecordingPlatform::holdInWait.store(true);
-    ASSERT_TRUE(sim.PublishFrame(OnTrackFrame({4.0f, 8.0f, 12.0f, 16.0f, 20.0f, 24.0f})));
-    ASSERT_TRUE(Eventually([] { return ForceLog::Size() >= 1; }));
-    engine.stopRequested.store(true);
-    RecordingPlatform::holdInWait.store(false);
-    engine.Stop();
-    EXPECT_EQ(Indices(ForceLog::Take()), (std::vector<int32_t>{0, 1, 11}));
-    const std::vector<test::RequestedWait> waits = ForceLog::TakeWaits();
-    ASSERT_EQ(waits.size(), 2u);
-    EXPECT_EQ(waits[0].offsetMicroseconds, 1380);
-    EXPECT_EQ(waits[1].offsetMicroseconds, 11 * 1380);  // the full count of the loop
+    struct Case {
+        int32_t mode;
+        std::vector<int32_t> indices;
+        std::vector<int32_t> offsets;
+    };
+    for (const Case& c : {Case{0, {0, 5}, {2760}}, Case{1, {0, 1, 11}, {1380, 11 * 1380}}}) {
+        SCOPED_TRACE(c.mode);
+        EngineSettings settings;
+        settings.Mode = c.mode;
+        StartEngine(settings);
+        Connect();
+        RecordingPlatform::holdInWait.store(true);
+        ASSERT_TRUE(sim.PublishFrame(OnTrackFrame({4.0f, 8.0f, 12.0f, 16.0f, 20.0f, 24.0f})));
+        ASSERT_TRUE(Eventually([] { return ForceLog::Size() >= 1; }));  // held in the wait after output 0
+        engine.stopRequested.store(true);
+        RecordingPlatform::holdInWait.store(false);
+        engine.Stop();
+        const std::vector<StoredForce> stores = ForceLog::Take();
+        EXPECT_EQ(Indices(stores), c.indices);
+        EXPECT_EQ(stores.back().value, 6000);
+        std::vector<int32_t> offsets;
+        for (const test::RequestedWait& wait : ForceLog::TakeWaits()) offsets.push_back(wait.offsetMicroseconds);
+        EXPECT_EQ(offsets, c.offsets);
+        EXPECT_EQ(hostsim::Broadcasts().back(), kRestore);
+        EXPECT_FALSE(engine.running.load());
+        hostsim::Withdraw();
+        hostsim::ClearBroadcasts();
+        RecordingWheel::Reset();
+    }
 }
 
 TEST_F(EngineThread, RestartKeepsACrashHoldAndReportsTheOpenStint) {

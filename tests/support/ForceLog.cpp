@@ -1,53 +1,6 @@
 #include "ForceLog.h"
 
 namespace veltor::test {
-namespace {
-
-std::mutex& LogLock() {
-    static std::mutex lock;
-    return lock;
-}
-
-std::vector<StoredForce>& Entries() {
-    static std::vector<StoredForce> entries;
-    return entries;
-}
-
-std::vector<RequestedWait>& Waits() {
-    static std::vector<RequestedWait> waits;
-    return waits;
-}
-
-}  // namespace
-
-void ForceLog::AddWait(RequestedWait wait) {
-    std::lock_guard guard(LogLock());
-    Waits().push_back(wait);
-}
-
-std::vector<RequestedWait> ForceLog::TakeWaits() {
-    std::lock_guard guard(LogLock());
-    std::vector<RequestedWait> taken;
-    taken.swap(Waits());
-    return taken;
-}
-
-void ForceLog::Add(StoredForce entry) {
-    std::lock_guard guard(LogLock());
-    Entries().push_back(entry);
-}
-
-std::vector<StoredForce> ForceLog::Take() {
-    std::lock_guard guard(LogLock());
-    std::vector<StoredForce> taken;
-    taken.swap(Entries());
-    return taken;
-}
-
-size_t ForceLog::Size() {
-    std::lock_guard guard(LogLock());
-    return Entries().size();
-}
 
 std::atomic<bool> RecordingPlatform::holdInWait{false};
 std::atomic<int> RecordingWheel::opensToFail{0};

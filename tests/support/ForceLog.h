@@ -2,6 +2,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "engine/EnginePlatform.h"
@@ -21,14 +22,25 @@ struct RequestedWait {
     int32_t offsetMicroseconds;
 };
 
-// Every store to commandedForce by the engine thread, in order. Shared across threads under a mutex.
+// Every store to commandedForce by the engine thread, and every wait between two, in order. Shared across
+// threads under a mutex.
 class ForceLog {
+private:
+    template <class F>
+    static auto Locked(F f) {
+        std::lock_guard guard(lock);
+        return f();
+    }
+    static inline std::mutex lock;
+    static inline std::vector<StoredForce> entries;
+    static inline std::vector<RequestedWait> waits;
+
 public:
-    static void Add(StoredForce entry);
-    static std::vector<StoredForce> Take();
-    static size_t Size();
-    static void AddWait(RequestedWait wait);
-    static std::vector<RequestedWait> TakeWaits();
+    static void Add(StoredForce entry) { Locked([&] { entries.push_back(entry); }); }
+    static void AddWait(RequestedWait wait) { Locked([&] { waits.push_back(wait); }); }
+    static std::vector<StoredForce> Take() { return Locked([] { return std::exchange(entries, {}); }); }
+    static std::vector<RequestedWait> TakeWaits() { return Locked([] { return std::exchange(waits, {}); }); }
+    static size_t Size() { return Locked([] { return entries.size(); }); }
 };
 
 // A wheel for engine tests: the engine's side of the seam, with Open failing on demand and a record of
