@@ -57,26 +57,25 @@ TEST(ComputeGrip, IsNeutralWithoutLongitudinalVelocity) {
     EXPECT_EQ(r.oversteerTorque, 0.0f);
 }
 
-TEST(ComputeGrip, OversteerFollowsTheArctanApproximationWithTheSignOfTheSlip) {
-    EXPECT_NEAR(ComputeGrip(Moving(20.0f, 10.0f), Oversteer(10), kRow).oversteerTorque, 7.09424f, 1e-4f);
-    EXPECT_NEAR(ComputeGrip(Moving(20.0f, -10.0f), Oversteer(10), kRow).oversteerTorque, -7.09424f, 1e-4f);
-    TelemetryFrame reversing = Moving(20.0f, 10.0f);
-    reversing.velocityX = -20.0f;  // slip is taken against |velocityX|
-    EXPECT_NEAR(ComputeGrip(reversing, Oversteer(10), kRow).oversteerTorque, 7.09424f, 1e-4f);
-}
-
-TEST(ComputeGrip, OversteerJumpsDownWhereTheSlipPassesOne) {
-    const float below = ComputeGrip(Moving(20.0f, 19.999f), Oversteer(10), kRow).oversteerTorque;
-    const float above = ComputeGrip(Moving(20.0f, 20.5f), Oversteer(10), kRow).oversteerTorque;
-    EXPECT_NEAR(below, 9.54f, 0.01f);
-    EXPECT_FLOAT_EQ(above, 7.85f);
-    EXPECT_FLOAT_EQ(ComputeGrip(Moving(20.0f, -20.5f), Oversteer(10), kRow).oversteerTorque, -7.85f);
-}
-
-TEST(ComputeGrip, OversteerIsLimitedToHalfTheFullScale) {
-    EXPECT_FLOAT_EQ(ComputeGrip(Moving(20.0f, 40.0f), Oversteer(150, 100), kRow).oversteerTorque, 10.0f);
-    EXPECT_FLOAT_EQ(ComputeGrip(Moving(20.0f, -40.0f), Oversteer(150, 100), kRow).oversteerTorque, -10.0f);
-    EXPECT_FLOAT_EQ(ComputeGrip(Moving(20.0f, 40.0f), Oversteer(150, 0), kRow).oversteerTorque, 117.75f);
+// The arctan approximation with the sign of the slip (taken against |velocityX|), its jump down where the
+// slip passes one, and the limit of half the full scale.
+TEST(ComputeGrip, OversteerFollowsTheSlipAngleApproximation) {
+    struct Case {
+        float velocityX, velocityY;
+        int32_t correction, strength;
+        float torque, tolerance;
+    };
+    const Case cases[] = {{20.0f, 10.0f, 10, 0, 7.09424f, 1e-4f},   {20.0f, -10.0f, 10, 0, -7.09424f, 1e-4f},
+                          {-20.0f, 10.0f, 10, 0, 7.09424f, 1e-4f},  {20.0f, 19.999f, 10, 0, 9.54f, 0.01f},
+                          {20.0f, 20.5f, 10, 0, 7.85f, 4e-6f},      {20.0f, -20.5f, 10, 0, -7.85f, 4e-6f},
+                          {20.0f, 40.0f, 150, 100, 10.0f, 4e-6f},   {20.0f, -40.0f, 150, 100, -10.0f, 4e-6f},
+                          {20.0f, 40.0f, 150, 0, 117.75f, 3e-5f}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.velocityX << ", " << c.velocityY << " m/s, correction " << c.correction);
+        TelemetryFrame frame = Moving(20.0f, c.velocityY);
+        frame.velocityX = c.velocityX;
+        EXPECT_NEAR(ComputeGrip(frame, Oversteer(c.correction, c.strength), kRow).oversteerTorque, c.torque, c.tolerance);
+    }
 }
 
 TEST(ComputeGrip, OversteerOffsetLeavesSmallSlipAloneAndIsTakenOffLargerSlip) {

@@ -180,69 +180,44 @@ EngineSettings Priority(int32_t priority, int32_t strength = 50) {
     return s;
 }
 
-TEST(MixForce, PlainSumWithoutPriorityOrWithATinyTexture) {
-    bool acted = true;
-    EXPECT_FLOAT_EQ(MixForce(Priority(0), 30.0f, 9.0f, -20.0f, 1.0f, &acted), 20.0f);
-    EXPECT_FALSE(acted);
-    acted = true;
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 39.0f, 5.0f, 0.09f, 1.0f, &acted), 45.09f);
-    EXPECT_FALSE(acted);
-}
-
-TEST(MixForce, DucksOpposingTextureByPrioritySlope) {
-    bool acted = false;
-    EXPECT_NEAR(MixForce(Priority(50), 20.0f, 0.0f, -5.0f, 0.0f, &acted), 9.5f, 1e-5f);  // duck 1.1 × 5
-    EXPECT_TRUE(acted);
-    EXPECT_NEAR(MixForce(Priority(100), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 6.6f - 4.0f, 1e-5f);
-    EXPECT_NEAR(MixForce(Priority(150), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 6.6f - 4.0f, 1e-5f);
-    EXPECT_NEAR(MixForce(Priority(1), 20.0f, 0.0f, -4.0f, 0.0f), 20.0f - 2.244f - 4.0f, 1e-5f);
-    EXPECT_NEAR(MixForce(Priority(50), -20.0f, 2.0f, 5.0f, 1.0f), -17.0f + 5.5f + 5.0f, 1e-5f);
-}
-
-TEST(MixForce, DuckingBringsTheForceToZeroButNeverAcross) {
-    bool acted = false;
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 3.0f, 0.0f, -5.0f, 0.0f, &acted), -5.0f);
-    EXPECT_TRUE(acted);
-}
-
-TEST(MixForce, OpposingTextureBelowTheThresholdIsSimplyAdded) {
-    bool acted = true;
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 20.0f, 0.0f, -2.4f, 0.0f, &acted), 17.6f);  // below 2.5 Nm
-    EXPECT_FALSE(acted);
-    // Strength 10: full scale 200 Nm, threshold 12 Nm.
-    EXPECT_FLOAT_EQ(MixForce(Priority(50, 10), 50.0f, 0.0f, -11.0f, 0.0f), 39.0f);
-    EXPECT_NEAR(MixForce(Priority(50, 10), 50.0f, 0.0f, -12.0f, 0.0f), 50.0f - 13.2f - 12.0f, 1e-4f);
-}
-
-TEST(MixForce, AZeroForceIsNeverDucked) {
-    bool acted = true;
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 0.0f, 0.0f, 5.0f, 0.0f, &acted), 5.0f);
-    EXPECT_FALSE(acted);
-}
-
-TEST(MixForce, AlongsideTextureNearFullScaleShrinksOnlyTheResistance) {
-    bool acted = false;
-    // sum 36, room 40 - 10 = 30: the resistance shrinks from 8 to 2.
-    EXPECT_NEAR(MixForce(Priority(50), 28.0f, 8.0f, 5.0f, 0.0f, &acted), 35.0f, 1e-5f);
-    EXPECT_TRUE(acted);
-    // main already above the room: the resistance goes, base and other stay.
-    EXPECT_NEAR(MixForce(Priority(50), 30.0f, 8.0f, 5.0f, 2.0f), 37.0f, 1e-5f);
-    EXPECT_NEAR(MixForce(Priority(50), -30.0f, -8.0f, -5.0f, 0.0f), -35.0f, 1e-5f);
-}
-
-TEST(MixForce, AlongsideTextureThatFitsOrWithoutResistanceIsAdded) {
-    bool acted = true;
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 25.0f, 8.0f, 5.0f, 0.0f, &acted), 38.0f);
-    EXPECT_FALSE(acted);
-    EXPECT_FLOAT_EQ(MixForce(Priority(50), 45.0f, 0.0f, 5.0f, 0.0f, &acted), 50.0f);
-    EXPECT_FALSE(acted);
-}
-
-TEST(MixForce, ResistanceAgainstTheForceNeitherGrowsNorFlips) {
-    bool acted = true;
-    // Resistance -8 against a main force of 44: the room of 30 would want -14, but it stays at -8.
-    EXPECT_NEAR(MixForce(Priority(50), 44.0f, -8.0f, 5.0f, 0.0f, &acted), 41.0f, 1e-5f);
-    EXPECT_FALSE(acted);
+// Texture against the force ducks it by the priority's slope, down to zero but never across; texture along
+// with it near full scale shrinks only the resistance. `acted` is -1 where the case does not pin it.
+TEST(MixForce, PriorityDucksOpposingTextureAndMakesRoomForTextureAlongside) {
+    struct Case {
+        const char* what;
+        int32_t priority, strength;
+        float main, resistance, texture, other, mixed;
+        int acted;
+    };
+    const Case cases[] = {
+        {"plain sum without priority", 0, 50, 30.0f, 9.0f, -20.0f, 1.0f, 20.0f, 0},
+        {"tiny texture", 50, 50, 39.0f, 5.0f, 0.09f, 1.0f, 45.09f, 0},
+        {"duck 1.1 x 5", 50, 50, 20.0f, 0.0f, -5.0f, 0.0f, 9.5f, 1},
+        {"priority 100", 100, 50, 20.0f, 0.0f, -4.0f, 0.0f, 20.0f - 6.6f - 4.0f, -1},
+        {"priority 150 as 100", 150, 50, 20.0f, 0.0f, -4.0f, 0.0f, 20.0f - 6.6f - 4.0f, -1},
+        {"priority 1", 1, 50, 20.0f, 0.0f, -4.0f, 0.0f, 20.0f - 2.244f - 4.0f, -1},
+        {"negative force", 50, 50, -20.0f, 2.0f, 5.0f, 1.0f, -17.0f + 5.5f + 5.0f, -1},
+        {"ducked to zero, not across", 50, 50, 3.0f, 0.0f, -5.0f, 0.0f, -5.0f, 1},
+        {"opposing below 2.5 Nm", 50, 50, 20.0f, 0.0f, -2.4f, 0.0f, 17.6f, 0},
+        {"strength 10: threshold 12 Nm", 50, 10, 50.0f, 0.0f, -11.0f, 0.0f, 39.0f, -1},
+        {"strength 10: at 12 Nm", 50, 10, 50.0f, 0.0f, -12.0f, 0.0f, 50.0f - 13.2f - 12.0f, -1},
+        {"zero force never ducked", 50, 50, 0.0f, 0.0f, 5.0f, 0.0f, 5.0f, 0},
+        {"room 30: resistance 8 to 2", 50, 50, 28.0f, 8.0f, 5.0f, 0.0f, 35.0f, 1},
+        {"main above the room: no resistance", 50, 50, 30.0f, 8.0f, 5.0f, 2.0f, 37.0f, -1},
+        {"the same, negative", 50, 50, -30.0f, -8.0f, -5.0f, 0.0f, -35.0f, -1},
+        {"alongside texture that fits", 50, 50, 25.0f, 8.0f, 5.0f, 0.0f, 38.0f, 0},
+        {"alongside without resistance", 50, 50, 45.0f, 0.0f, 5.0f, 0.0f, 50.0f, 0},
+        {"resistance against the force stays", 50, 50, 44.0f, -8.0f, 5.0f, 0.0f, 41.0f, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        bool acted = c.acted == 0;
+        EXPECT_NEAR(MixForce(Priority(c.priority, c.strength), c.main, c.resistance, c.texture, c.other, &acted),
+                    c.mixed, 1e-5f);
+        if (c.acted >= 0) {
+            EXPECT_EQ(acted, c.acted == 1);
+        }
+    }
 }
 
 }  // namespace

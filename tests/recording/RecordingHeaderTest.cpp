@@ -65,20 +65,12 @@ TEST(RecordingHeader, LaysOutEveryFieldAtItsFileOffset) {
     EXPECT_TRUE(AllZero(bytes, 276, 104));
 }
 
-TEST(RecordingHeader, NoWheelbaseTorqueIsZeroNewtonMetres) {
-    const RecordingHeader header = MakeRecordingHeader(L"a", L"b", L"c", EngineSettings{}, CarRow{}, 0);
+// No wheelbase torque is 0 Nm; a long text keeps 63 bytes and a NUL; empty texts leave their fields zero.
+TEST(RecordingHeader, EdgesOfTorqueAndTextFields) {
+    const RecordingHeader header = MakeRecordingHeader(std::wstring(70, L'x'), L"", L"", EngineSettings{}, CarRow{}, 0);
     EXPECT_EQ(header.wheelbaseMaxTorque, 0.0f);
-}
-
-TEST(RecordingHeader, LongTextKeepsSixtyThreeBytesAndANul) {
-    const std::wstring car(70, L'x');
-    const RecordingHeader header = MakeRecordingHeader(car, L"", L"", EngineSettings{}, CarRow{}, 0);
     EXPECT_EQ(std::string(header.carPath), std::string(63, 'x'));
     EXPECT_EQ(header.carPath[63], '\0');
-}
-
-TEST(RecordingHeader, EmptyTextsLeaveTheirFieldsZero) {
-    const RecordingHeader header = MakeRecordingHeader(L"car", L"", L"", EngineSettings{}, CarRow{}, 0);
     const uint8_t* bytes = reinterpret_cast<const uint8_t*>(&header);
     EXPECT_TRUE(AllZero(bytes, 96, 64));
     EXPECT_TRUE(AllZero(bytes, 160, 64));
