@@ -109,30 +109,17 @@ TEST(FfbEngine_UpdateStatus, DisconnectingClearsTheClippedPercent) {
     EXPECT_FLOAT_EQ(engine.CopyStatus().clippedPercent, 0.0f);
 }
 
-TEST(FfbEngine_Reports, PublishTheStintAndClearTheCounters) {
+// A stint through ticks is reported in the emit-force tests; an empty one still counts.
+TEST(FfbEngine_Reports, AnEmptyStintStillReports) {
     FfbEngine engine;
     engine.ReportClipping();
     engine.ReportOutput();
-    EngineStatus status = engine.CopyStatus();
-    EXPECT_EQ(status.clipReportCount, 1u);  // an empty stint still reports, with 0 percent
+    const EngineStatus status = engine.CopyStatus();
+    EXPECT_EQ(status.clipReportCount, 1u);
     EXPECT_EQ(status.clippedPercent, 0.0f);
     EXPECT_EQ(status.outputReportCount, 1u);
     EXPECT_EQ(status.outputReportSamples, 0u);
 
-    engine.clipSamples = 3;
-    engine.clipOver = 1;
-    engine.outSamples = 3;
-    engine.outNonZero = 2;
-    engine.outPeak = 9996;
-    engine.ReportClipping();
-    engine.ReportOutput();
-    status = engine.CopyStatus();
-    EXPECT_EQ(status.clipReportCount, 2u);
-    EXPECT_FLOAT_EQ(status.clippedPercent, 100.0f / 3.0f);
-    EXPECT_EQ(status.outputReportSamples, 3u);
-    EXPECT_EQ(status.outputReportNonZero, 2u);
-    EXPECT_EQ(status.outputReportPeak, 9996);
-    EXPECT_EQ(engine.clipSamples + engine.clipOver + engine.outSamples + engine.outNonZero + engine.outPeak, 0);
 }
 
 TEST(FfbEngine_Stop, ReturnsAtOnceWhenNothingRuns) {
