@@ -1,6 +1,8 @@
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "wheel/DeviceGuid.h"
@@ -44,37 +46,44 @@ struct FakeWheelDevice {
     int32_t magnitude = 0;
 
     void Log(const char* name, int32_t value = 0) { calls.push_back({name, value}); }
-    int32_t Count(const std::string& name) const;
-    std::vector<int32_t> SentMagnitudes() const;
+    int32_t Logged(const char* name, int32_t result) {
+        Log(name);
+        return result;
+    }
+    int32_t Count(const std::string& name) const {
+        const auto named = [&](const Call& c) { return c.name == name; };
+        return static_cast<int32_t>(std::count_if(calls.begin(), calls.end(), named));
+    }
+    std::vector<int32_t> SentMagnitudes() const {
+        std::vector<int32_t> sent;
+        for (const Call& c : calls) {
+            if (c.name == "SetParameters") sent.push_back(c.magnitude);
+        }
+        return sent;
+    }
 
     bool CreateDeviceEvent() { return eventCreated = withEvent; }
     int32_t CreateInterface() {
-        Log("CreateInterface");
         interfaceCreated = createInterfaceResult >= 0;
-        return createInterfaceResult;
+        return Logged("CreateInterface", createInterfaceResult);
     }
     int32_t CreateDevice(const DeviceGuid&) {
-        Log("CreateDevice");
         deviceCreated = createDeviceResult >= 0;
-        return createDeviceResult;
+        return Logged("CreateDevice", createDeviceResult);
     }
     void SetJoystickFormat() { Log("SetJoystickFormat"); }
     void SetCooperativeLevel(WindowHandle) { Log("SetCooperativeLevel"); }
     void DisableAutocenter() { Log("DisableAutocenter"); }
     void SetEventNotification() { Log("SetEventNotification"); }
-    int32_t Acquire() {
-        Log("Acquire");
-        return acquireResult;
-    }
+    int32_t Acquire() { return Logged("Acquire", acquireResult); }
     void Unacquire() { Log("Unacquire"); }
     bool HasEvent() const { return eventCreated; }
     bool HasDevice() const { return deviceCreated; }
     bool HasEffect() const { return effectCreated; }
     int32_t CreateConstantForceEffect() {
-        Log("CreateEffect");
         magnitude = 0;
         effectCreated = createEffectResult >= 0;
-        return createEffectResult;
+        return Logged("CreateEffect", createEffectResult);
     }
     void SetMagnitude(int32_t value) { magnitude = value; }
     int32_t Magnitude() const { return magnitude; }
@@ -82,16 +91,16 @@ struct FakeWheelDevice {
         Log("SetParameters", magnitude);
         return setParametersResult;
     }
-    int32_t Start() {
-        Log("Start");
-        return startResult;
-    }
+    int32_t Start() { return Logged("Start", startResult); }
     void Stop() { Log("Stop"); }
-    bool WaitForPositionEvent(uint32_t timeoutMilliseconds);
+    // A wait that is not signalled takes its whole timeout on the stepped clock.
+    bool WaitForPositionEvent(uint32_t timeoutMilliseconds) {
+        if (!signalled) clock->now += static_cast<int64_t>(timeoutMilliseconds) * 1000000;
+        return std::exchange(signalled, false);
+    }
     int32_t ReadPosition(int32_t& value) {
-        Log("ReadPosition");
         if (readResult >= 0) value = position;
-        return readResult;
+        return Logged("ReadPosition", readResult);
     }
     void ReleaseEffect() {
         if (effectCreated) Log("ReleaseEffect");
@@ -104,29 +113,5 @@ struct FakeWheelDevice {
     void ReleaseInterface() { interfaceCreated = false; }
     void CloseDeviceEvent() { eventCreated = false; }
 };
-
-inline int32_t FakeWheelDevice::Count(const std::string& name) const {
-    int32_t n = 0;
-    for (const Call& c : calls) n += c.name == name ? 1 : 0;
-    return n;
-}
-
-inline std::vector<int32_t> FakeWheelDevice::SentMagnitudes() const {
-    std::vector<int32_t> sent;
-    for (const Call& c : calls) {
-        if (c.name == "SetParameters") sent.push_back(c.magnitude);
-    }
-    return sent;
-}
-
-// A wait that is not signalled takes its whole timeout on the stepped clock.
-inline bool FakeWheelDevice::WaitForPositionEvent(uint32_t timeoutMilliseconds) {
-    if (signalled) {
-        signalled = false;
-        return true;
-    }
-    clock->now += static_cast<int64_t>(timeoutMilliseconds) * 1000000;
-    return false;
-}
 
 }  // namespace veltor::test
