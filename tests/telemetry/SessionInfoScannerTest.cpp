@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "telemetry/IrsdkLayout.h"
+#include "telemetry/IrsdkClient.h"
 #include "telemetry/SessionInfoScanner.h"
 
 namespace veltor {
@@ -34,24 +34,16 @@ TEST(SessionInfoFields, TrimRemovesBlanksTabsLineEndsAndQuotesAtBothEndsOnly) {
     EXPECT_EQ(TrimField("x"), "x");
 }
 
-TEST(SessionInfoFields, ParseIntMatchesTheTrimmedLinePrefixCaseSensitively) {
-    EXPECT_EQ(ParseIntField("  UserID: 42\r", "UserID:"), 42);
-    EXPECT_EQ(ParseIntField("UserID:42", "UserID:"), 42);
-    EXPECT_EQ(ParseIntField("userid: 42", "UserID:"), -1);
-    EXPECT_EQ(ParseIntField("User", "UserID:"), -1);
-    EXPECT_EQ(ParseIntField("UserID: -7", "UserID:"), -7);
-    EXPECT_EQ(ParseIntField("UserID: +7", "UserID:"), 7);
-    EXPECT_EQ(ParseIntField("UserID: 12ab3", "UserID:"), 12);
-    EXPECT_EQ(ParseIntField("UserID: abc", "UserID:"), 0);
-    EXPECT_EQ(ParseIntField("UserID: \"17\"", "UserID:"), 17);
-}
-
-TEST(SessionInfoFields, ParseIntSaturatesNumbersBeyondThirtyTwoBits) {
-    EXPECT_EQ(ParseIntField("Id: 2147483647", "Id:"), INT32_MAX);
-    EXPECT_EQ(ParseIntField("Id: 2147483648", "Id:"), INT32_MAX);
-    EXPECT_EQ(ParseIntField("Id: 99999999999999999999999999", "Id:"), INT32_MAX);
-    EXPECT_EQ(ParseIntField("Id: -2147483648", "Id:"), INT32_MIN);
-    EXPECT_EQ(ParseIntField("Id: -99999999999999999999999999", "Id:"), INT32_MIN);
+// The trimmed line's prefix matches case-sensitively; digits are read up to the first other character, and
+// numbers beyond 32 bits saturate.
+TEST(SessionInfoFields, ParseIntReadsThePrefixedNumberAndSaturates) {
+    const std::pair<const char*, int32_t> cases[] = {
+        {"  UserID: 42\r", 42},   {"UserID:42", 42},     {"userid: 42", -1},         {"User", -1},
+        {"UserID: -7", -7},       {"UserID: +7", 7},     {"UserID: 12ab3", 12},      {"UserID: abc", 0},
+        {"UserID: \"17\"", 17},   {"UserID: 2147483647", INT32_MAX},                {"UserID: 2147483648", INT32_MAX},
+        {"UserID: 99999999999999999999999999", INT32_MAX}, {"UserID: -2147483648", INT32_MIN},
+        {"UserID: -99999999999999999999999999", INT32_MIN}};
+    for (const auto& [line, value] : cases) EXPECT_EQ(ParseIntField(line, "UserID:"), value) << line;
 }
 
 TEST(SessionInfoFields, ParseTextStoresTheTrimmedRestOrLeavesTheOutputAlone) {
@@ -171,37 +163,17 @@ TEST(SessionInfoScan, ReadsExactlyTheGivenLength) {
     EXPECT_EQ(id.carPath, L"abc");
 }
 
-std::vector<char> ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-int32_t LoadI32(const std::vector<char>& bytes, size_t offset) {
-    int32_t v = 0;
-    std::memcpy(&v, bytes.data() + offset, sizeof v);
-    return v;
-}
-
-// The session-info text as the header of a live copy or a telemetry file places it.
-bool SessionText(const std::vector<char>& bytes, const char*& text, size_t& length) {
-    if (bytes.size() < irsdk::kHeaderSize) return false;
-    const int32_t len = LoadI32(bytes, irsdk::kSessionInfoLenOffset);
-    const int32_t offset = LoadI32(bytes, irsdk::kSessionInfoOffsetOffset);
-    if (len <= 0 || offset < 0 || static_cast<size_t>(offset) + static_cast<size_t>(len) > bytes.size()) return false;
-    text = bytes.data() + offset;
-    length = static_cast<size_t>(len);
-    return true;
-}
-
-// Scans the text that a file of the simulator's layout carries and checks the identity found in it.
+// Scans the text that a file of the simulator's layout carries, where its header places it, and checks the
+// identity found in it.
 void ExpectIdentityIn(const char* fileName, const wchar_t* carPath, const wchar_t* driverName, int32_t userId) {
-    const std::vector<char> bytes = ReadFile(std::string(VELTOR_DATA_DIR "/telemetry/") + fileName);
+    std::ifstream in(std::string(VELTOR_DATA_DIR "/telemetry/") + fileName, std::ios::binary);
+    const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     if (bytes.empty()) GTEST_SKIP() << fileName << " not found under " VELTOR_DATA_DIR;
-    const char* text = nullptr;
-    size_t length = 0;
-    ASSERT_TRUE(SessionText(bytes, text, length));
+    IrsdkClient client;
+    std::string text;
+    ASSERT_TRUE(client.AttachBlock(bytes.data(), bytes.size()) && client.CopySessionInfo(text));
     SessionIdentity id;
-    ASSERT_TRUE(ScanSessionInfo(text, length, id));
+    ASSERT_TRUE(Scan(text, id));
     EXPECT_EQ(id.carPath, carPath);
     EXPECT_EQ(id.driverName, driverName);
     EXPECT_EQ(id.driverUserId, userId);
