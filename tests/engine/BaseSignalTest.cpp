@@ -128,23 +128,18 @@ TEST(SteeringLock, StopForceBlendsFromTheSimTorqueToFullOverFifteenDegrees) {
     EXPECT_NEAR(half.stopForce, 5000 * 0.5 + 10000 * 0.5, 2);
     EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f, 20.0f), s).stopForce, -9996);
     EXPECT_EQ(ComputeSteeringLock(Steering(-5.0f, 8.0f, -20.0f), s).stopForce, 9996);
+    EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f, 20.0f), WithStrength(0)).stopForce, -9996);  // in full
 }
 
-TEST(SteeringLock, StopActsInFullAtStrengthZero) {
-    EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f, 20.0f), WithStrength(0)).stopForce, -9996);
-}
-
-TEST(SteeringLock, NoStopForReportedLocksOfSixteenRadiansOrMore) {
-    const SteeringLockResult r = ComputeSteeringLock(Steering(30.0f, 16.0f), EngineSettings{});
-    EXPECT_FALSE(r.pastLock);
-    EXPECT_FALSE(r.lockDamping);
+// Reported locks of 16 rad or more have no stop; a zero lock puts any non-zero angle outside.
+TEST(SteeringLock, EdgesOfTheReportedLock) {
+    const SteeringLockResult wide = ComputeSteeringLock(Steering(30.0f, 16.0f), EngineSettings{});
+    EXPECT_FALSE(wide.pastLock);
+    EXPECT_FALSE(wide.lockDamping);
     EXPECT_TRUE(ComputeSteeringLock(Steering(30.0f, 15.99f), EngineSettings{}).pastLock);
-}
-
-TEST(SteeringLock, ZeroLockPutsAnyNonZeroAngleOutside) {
-    const SteeringLockResult r = ComputeSteeringLock(Steering(0.01f, 0.0f), EngineSettings{});
-    EXPECT_TRUE(r.pastLock);
-    EXPECT_NEAR(r.stopForce, -(0.01 / 0.2618) * 10000.0, 2.0);
+    const SteeringLockResult zero = ComputeSteeringLock(Steering(0.01f, 0.0f), EngineSettings{});
+    EXPECT_TRUE(zero.pastLock);
+    EXPECT_NEAR(zero.stopForce, -(0.01 / 0.2618) * 10000.0, 2.0);
     EXPECT_FALSE(ComputeSteeringLock(Steering(0.0f, 0.0f), EngineSettings{}).pastLock);
 }
 
