@@ -31,9 +31,6 @@ public:
     // change made before has been seen by a whole pass.
     bool Sync();
 
-    int32_t LastTick() const { return tick; }
-    const sim::TelemetryLayoutWriter& Layout() const { return layout; }
-
 private:
     sim::TelemetryLayoutWriter layout;
     uint8_t* block = nullptr;
