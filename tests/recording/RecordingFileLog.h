@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "recording/RecordingSample.h"
@@ -27,31 +28,32 @@ struct FileLog {
         static FileLog log;
         return log;
     }
+    template <class F>
+    static auto Locked(F f) {
+        std::lock_guard guard(Instance().lock);
+        return f(Instance());
+    }
     void Reset() {
-        std::lock_guard guard(lock);
-        writes.clear();
-        bytes.clear();
-        creates = closes = 0;
-        failCreate = failWrites = false;
+        Locked([](FileLog& log) {
+            log.writes.clear();
+            log.bytes.clear();
+            log.creates = log.closes = 0;
+            log.failCreate = log.failWrites = false;
+        });
     }
-    std::vector<size_t> Writes() {
-        std::lock_guard guard(lock);
-        return writes;
-    }
-    size_t Size() {
-        std::lock_guard guard(lock);
-        return bytes.size();
-    }
+    std::vector<size_t> Writes() { return Locked([](FileLog& log) { return log.writes; }); }
+    size_t Size() { return Locked([](FileLog& log) { return log.bytes.size(); }); }
     // Tick counts of the records after the first `skip` bytes of headers.
     std::vector<int32_t> RecordTicks(size_t skip) {
-        std::lock_guard guard(lock);
-        std::vector<int32_t> ticks;
-        for (size_t at = skip; at + sizeof(RecordingSample) <= bytes.size(); at += sizeof(RecordingSample)) {
-            RecordingSample sample;
-            std::memcpy(&sample, bytes.data() + at, sizeof sample);
-            ticks.push_back(sample.tickCount);
-        }
-        return ticks;
+        return Locked([skip](FileLog& log) {
+            std::vector<int32_t> ticks;
+            for (size_t at = skip; at + sizeof(RecordingSample) <= log.bytes.size(); at += sizeof(RecordingSample)) {
+                RecordingSample sample;
+                std::memcpy(&sample, log.bytes.data() + at, sizeof sample);
+                ticks.push_back(sample.tickCount);
+            }
+            return ticks;
+        });
     }
 };
 
@@ -59,27 +61,18 @@ struct FileLog {
 class LoggingFile {
 public:
     bool Create(const std::wstring&) {
-        FileLog& log = FileLog::Instance();
-        std::lock_guard guard(log.lock);
-        if (log.failCreate) return false;
-        ++log.creates;
-        open = true;
-        return true;
+        return open = FileLog::Locked([](FileLog& log) { return !log.failCreate && ++log.creates > 0; });
     }
     bool Write(const void* data, size_t size) {
-        FileLog& log = FileLog::Instance();
-        std::lock_guard guard(log.lock);
-        log.writes.push_back(size);
         const uint8_t* first = static_cast<const uint8_t*>(data);
-        log.bytes.insert(log.bytes.end(), first, first + size);
-        return !log.failWrites;
+        return FileLog::Locked([&](FileLog& log) {
+            log.writes.push_back(size);
+            log.bytes.insert(log.bytes.end(), first, first + size);
+            return !log.failWrites;
+        });
     }
     void FlushAndClose() {
-        if (!open) return;
-        open = false;
-        FileLog& log = FileLog::Instance();
-        std::lock_guard guard(log.lock);
-        ++log.closes;
+        if (std::exchange(open, false)) FileLog::Locked([](FileLog& log) { ++log.closes; });
     }
     bool IsOpen() const { return open; }
 
