@@ -74,7 +74,8 @@ TEST(ComputeGrip, OversteerFollowsTheSlipAngleApproximation) {
         SCOPED_TRACE(testing::Message() << c.velocityX << ", " << c.velocityY << " m/s, correction " << c.correction);
         TelemetryFrame frame = Moving(20.0f, c.velocityY);
         frame.velocityX = c.velocityX;
-        EXPECT_NEAR(ComputeGrip(frame, Oversteer(c.correction, c.strength), kRow).oversteerTorque, c.torque, c.tolerance);
+        const GripResult grip = ComputeGrip(frame, Oversteer(c.correction, c.strength), kRow);
+        EXPECT_NEAR(grip.oversteerTorque, c.torque, c.tolerance);
     }
 }
 

@@ -77,7 +77,9 @@ inline void ExpectDriveThroughLostInput(const std::vector<LogLine>& log, std::ve
     }
     ASSERT_LT(lastLost, log.size()) << "the burst of lost input never came";
     bool restarted = false;
-    for (size_t i = lastLost; i < log.size(); ++i) restarted = restarted || (log[i].Is("Start") && log[i].Has("hr=0x00000000"));
+    for (size_t i = lastLost; i < log.size(); ++i) {
+        restarted = restarted || (log[i].Is("Start") && log[i].Has("hr=0x00000000"));
+    }
     EXPECT_TRUE(restarted) << "the effect was not started again after the burst";
     EXPECT_GT(passes.back()->microseconds, log[lastLost].microseconds + 1000000);
 }
