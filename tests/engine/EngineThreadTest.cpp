@@ -32,17 +32,13 @@ bool Eventually(Condition condition, std::chrono::milliseconds bound = std::chro
     return true;
 }
 
-std::vector<int32_t> Values(const std::vector<StoredForce>& stores) {
+std::vector<int32_t> Values(const std::vector<StoredForce>& stores, int32_t StoredForce::*field = &StoredForce::value) {
     std::vector<int32_t> values;
-    for (const StoredForce& s : stores) values.push_back(s.value);
+    for (const StoredForce& s : stores) values.push_back(s.*field);
     return values;
 }
 
-std::vector<int32_t> Indices(const std::vector<StoredForce>& stores) {
-    std::vector<int32_t> indices;
-    for (const StoredForce& s : stores) indices.push_back(s.outputIndex);
-    return indices;
-}
+std::vector<int32_t> Indices(const std::vector<StoredForce>& stores) { return Values(stores, &StoredForce::outputIndex); }
 
 // Output k of a burst is held back to t0 + k × spacing; the non-interpolated mode sleeps 2000 µs first.
 void ExpectPacedAt(const std::vector<StoredForce>& stores, int32_t sleepMicroseconds, int32_t spacingMicroseconds) {
