@@ -38,7 +38,9 @@ std::vector<int32_t> Values(const std::vector<StoredForce>& stores, int32_t Stor
     return values;
 }
 
-std::vector<int32_t> Indices(const std::vector<StoredForce>& stores) { return Values(stores, &StoredForce::outputIndex); }
+std::vector<int32_t> Indices(const std::vector<StoredForce>& stores) {
+    return Values(stores, &StoredForce::outputIndex);
+}
 
 // Output k of a burst is held back to t0 + k × spacing; the non-interpolated mode sleeps 2000 µs first.
 void ExpectPacedAt(const std::vector<StoredForce>& stores, int32_t sleepMicroseconds, int32_t spacingMicroseconds) {
