@@ -33,7 +33,6 @@ struct Measurements {
     std::vector<int64_t> eventToFirst = std::vector<int64_t>(kCapacity);
     size_t latenessCount = 0;
     size_t eventCount = 0;
-    int64_t burstT0 = 0;
     int64_t firstStore = 0;
     int64_t nextTarget = 0;
     bool firstPending = false;
@@ -48,7 +47,6 @@ struct BenchPlatform : EnginePlatform {
             Add(gMeasure.firstStore - t0);
             gMeasure.firstPending = false;
         }
-        gMeasure.burstT0 = t0;
         gMeasure.nextTarget = t0 + offsetMicroseconds * 1000LL;
         EnginePlatform::WaitUntilOffset(t0, sleepMicroseconds, offsetMicroseconds);
     }

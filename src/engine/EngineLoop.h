@@ -184,17 +184,7 @@ private:
         lastSessionInfoUpdate = -1;
         ForgetIdentity();
         connected = false;
-        {
-            std::lock_guard guard(engine.statusLock);
-            EngineStatus& s = engine.status;
-            s.connected = false;
-            s.onTrack = false;
-            s.carPath = carPath;
-            s.driverName = driverName;
-            s.driverUserId = driverUserId;
-            s.driverNameKnown = driverNameKnown;
-            s.clippedPercent = 0.0f;
-        }
+        PublishIdentity(false);  // disconnected: the track count stays, the clipping percent goes to 0
         Platform::SleepMilliseconds(kRetrySleepMilliseconds);
     }
 

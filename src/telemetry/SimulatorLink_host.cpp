@@ -29,7 +29,6 @@ struct Registry {
     std::weak_ptr<EventState> namedEvent;
     std::map<const uint8_t*, std::shared_ptr<std::vector<uint8_t>>> views;
     bool waitFailure = false;
-    bool mapViewFailure = false;
     uint64_t waitsBegun = 0;
     std::vector<int32_t> broadcasts;
 };
@@ -69,7 +68,7 @@ const uint8_t* MapTelemetryView(Handle mapping, size_t& size) {
     Registry& r = Link();
     std::lock_guard guard(r.lock);
     auto* handle = static_cast<HostHandle*>(mapping);
-    if (handle == nullptr || !handle->block || r.mapViewFailure) return nullptr;
+    if (handle == nullptr || !handle->block) return nullptr;
     const uint8_t* base = handle->block->data();
     r.views[base] = handle->block;
     size = handle->block->size();
@@ -168,12 +167,6 @@ void SetWaitFailure(bool fail) {
     r.changed.notify_all();
 }
 
-void SetMapViewFailure(bool fail) {
-    Registry& r = Link();
-    std::lock_guard guard(r.lock);
-    r.mapViewFailure = fail;
-}
-
 bool BeginEdit(std::chrono::milliseconds timeout) {
     Registry& r = Link();
     std::unique_lock guard(r.lock);
@@ -208,12 +201,6 @@ void EndEdit(bool signal) {
         if (signal) r.event->signalled = true;
     }
     r.changed.notify_all();
-}
-
-uint64_t WaitsBegun() {
-    Registry& r = Link();
-    std::lock_guard guard(r.lock);
-    return r.waitsBegun;
 }
 
 std::vector<int32_t> Broadcasts() {

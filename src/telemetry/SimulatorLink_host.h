@@ -24,16 +24,12 @@ bool IsPublished();
 void SignalDataValid();
 // Every wait on the event fails while set, as a wait on a broken handle would.
 void SetWaitFailure(bool fail);
-// Mapping the view fails while set, though the names exist.
-void SetMapViewFailure(bool fail);
 
 bool BeginEdit(std::chrono::milliseconds timeout = std::chrono::milliseconds(5000));
 void EndEdit(bool signal);
 // Wakes the engine once and returns when it has finished that pass and waits again, idle.
 bool Sync(std::chrono::milliseconds timeout = std::chrono::milliseconds(5000));
 
-// Number of waits on the event that have begun so far.
-uint64_t WaitsBegun();
 // Values received by the maximum-force broadcast, in order.
 std::vector<int32_t> Broadcasts();
 void ClearBroadcasts();

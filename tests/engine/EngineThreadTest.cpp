@@ -66,7 +66,6 @@ protected:
     void SetUp() override {
         hostsim::Withdraw();
         hostsim::SetWaitFailure(false);
-        hostsim::SetMapViewFailure(false);
         hostsim::ClearBroadcasts();
         RecordingWheel::Reset();
     }
