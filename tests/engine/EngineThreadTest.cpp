@@ -202,22 +202,6 @@ TEST_F(EngineThread, OneSubSampleGivesOneOutputInBothModes) {
     EXPECT_EQ(Values(ForceLog::Take()), std::vector<int32_t>{-2000});
 }
 
-TEST_F(EngineThread, ForceStrengthScalesAndTheHandOverIsClamped) {
-    EngineSettings settings;
-    settings.ForceStrength = 100;  // full scale at 20 Nm
-    StartEngine(settings);
-    Connect();
-    ASSERT_TRUE(sim.PublishFrame(OnTrackFrame({1.0f, -1.0f, 19.992f, 25.0f, -80.0f, 0.0f})));
-    ASSERT_TRUE(sim.Sync());
-    EXPECT_EQ(Values(ForceLog::Take()), (std::vector<int32_t>{500, -500, 9996, 9996, -9996, 0}));
-    ASSERT_TRUE(sim.PublishFrame(OffTrackFrame()));
-    ASSERT_TRUE(sim.Sync());
-    const EngineStatus status = engine.CopyStatus();
-    EXPECT_FLOAT_EQ(status.clippedPercent, 2.0f * 100.0f / 6.0f);
-    EXPECT_EQ(status.outputReportNonZero, 5u);
-    EXPECT_EQ(status.outputReportPeak, 9996);
-}
-
 TEST_F(EngineThread, SimucubeSuppressionFollowsForceStrengthOncePerConnection) {
     EngineSettings settings;
     settings.SimucubeMode = true;

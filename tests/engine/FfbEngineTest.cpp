@@ -119,7 +119,6 @@ TEST(FfbEngine_Reports, AnEmptyStintStillReports) {
     EXPECT_EQ(status.clippedPercent, 0.0f);
     EXPECT_EQ(status.outputReportCount, 1u);
     EXPECT_EQ(status.outputReportSamples, 0u);
-
 }
 
 TEST(FfbEngine_Stop, ReturnsAtOnceWhenNothingRuns) {
