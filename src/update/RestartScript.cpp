@@ -4,7 +4,11 @@ namespace veltor {
 
 std::string RestartScriptText(std::string_view newApp, std::string_view app, std::string_view newAnalyzer,
                               std::string_view analyzer) {
-    const auto q = [](std::string_view path) { return "\"" + std::string(path) + "\""; };
+    const auto q = [](std::string_view path) {
+        std::string quoted(1, '"');
+        quoted.append(path).push_back('"');
+        return quoted;
+    };
     const std::string lines[] = {
         "@echo off",
         "setlocal EnableDelayedExpansion",

@@ -21,7 +21,8 @@ UpdateManifest ParseManifest(const std::string& text) {
 }
 
 std::wstring JsonStringValue(const std::string& text, std::string_view key) {
-    const std::string quotedKey = "\"" + std::string(key) + "\"";
+    std::string quotedKey(1, '"');
+    quotedKey.append(key).push_back('"');
     const size_t keyAt = text.find(quotedKey);
     if (keyAt == std::string::npos) return {};
     const size_t colon = text.find(':', keyAt + quotedKey.size());
