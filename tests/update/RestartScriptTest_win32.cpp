@@ -140,5 +140,11 @@ TEST_F(RestartScriptRun, GivesUpAfterTenFailedCopiesAndTouchesNothing) {
     EXPECT_TRUE(fs::exists(newAnalyzer));
 }
 
+TEST(AnalyzerExePath, NamesTheAnalyzerBesideThisProgram) {
+    wchar_t self[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    EXPECT_EQ(fs::path(AnalyzerExePath()), fs::path(self).parent_path() / L"Veltor Commercial Analyzer.exe");
+}
+
 }  // namespace
 }  // namespace veltor

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The update tests' HTTPS server.
 
-Serves the folder --feed on 127.0.0.1:443 with a certificate of the trusted test CA, and the same folder on
-127.0.0.2:443 with one of a CA that nobody trusts. A file FILE may have a sidecar FILE.fault with one line
+Serves the folder --feed on 127.0.0.1:443 (and [::1]:443 where there is IPv6) with a certificate of the
+trusted test CA, and the same folder on 127.0.0.2:443 with one of a CA that nobody trusts. A file FILE may have a sidecar FILE.fault with one line
 that scripts a fault for it:
 
     status N    answer with status N and the file as the body
@@ -17,6 +17,7 @@ import argparse
 import http.server
 import os
 import signal
+import socket
 import ssl
 import threading
 import time
@@ -73,8 +74,12 @@ def make_handler(feed, log_path, log_lock):
     return Handler
 
 
+class Ipv6Server(http.server.ThreadingHTTPServer):
+    address_family = socket.AF_INET6
+
+
 def serve(address, cert, key, handler):
-    server = http.server.ThreadingHTTPServer((address, 443), handler)
+    server = (Ipv6Server if ":" in address else http.server.ThreadingHTTPServer)((address, 443), handler)
     server.daemon_threads = True
     context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
     context.load_cert_chain(cert, key)
@@ -110,6 +115,11 @@ def main():
         serve("127.0.0.1", f"{args.certs}/trusted.crt", f"{args.certs}/trusted.key", handler),
         serve("127.0.0.2", f"{args.certs}/untrusted.crt", f"{args.certs}/untrusted.key", handler),
     ]
+    # Where localhost also names ::1, a client may try that first.
+    try:
+        servers.append(serve("::1", f"{args.certs}/trusted.crt", f"{args.certs}/trusted.key", handler))
+    except OSError as error:
+        print(f"no listener on [::1]:443: {error}", flush=True)
     with open(args.ready, "w", encoding="utf-8") as f:
         f.write(f"{os.getpid()}\n")
     while not stop.wait(1.0):

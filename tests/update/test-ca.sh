@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The update tests' certificate authorities.
-#   test-ca.sh make DIR    a trusted test CA with a certificate for localhost and 127.0.0.1, and a rogue CA
+#   test-ca.sh make DIR    a trusted test CA with a certificate for localhost, 127.0.0.1 and ::1, and a rogue CA
 #                          (never trusted) with one for 127.0.0.2; keys and certificates go to DIR
 #   test-ca.sh trust DIR   adds DIR's test CA to the system's store (Wine's WinHTTP reads that store)
 #   test-ca.sh untrust     takes it out again; safe to run when it is not there
@@ -33,7 +33,7 @@ case "${1:-}" in
     mkdir -p "$dir"
     authority test "$dir"
     authority rogue "$dir"
-    server trusted test "$dir" "DNS:localhost,IP:127.0.0.1"
+    server trusted test "$dir" "DNS:localhost,IP:127.0.0.1,IP:::1"
     server untrusted rogue "$dir" "DNS:localhost,IP:127.0.0.2"
     ;;
   trust)
