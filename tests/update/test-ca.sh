@@ -41,10 +41,11 @@ case "${1:-}" in
     "${sudo_cmd[@]}" update-ca-certificates >/dev/null 2>&1
     ;;
   untrust)
-    # --fresh: a plain update leaves the removed CA's links behind in /etc/ssl/certs.
+    # The update rebuilds the bundle but leaves a removed CA's links in /etc/ssl/certs: they go by hand.
     if [ -e "$installed" ] || [ -L "$linked" ]; then
       "${sudo_cmd[@]}" rm -f "$installed"
-      "${sudo_cmd[@]}" update-ca-certificates --fresh >/dev/null 2>&1
+      "${sudo_cmd[@]}" find /etc/ssl/certs -maxdepth 1 -lname '*gripline-update-test-ca*' -delete
+      "${sudo_cmd[@]}" update-ca-certificates >/dev/null 2>&1
     fi
     ;;
   *)
