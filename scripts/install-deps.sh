@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev
-          g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth util-linux)
+          g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 xvfb xauth util-linux
+          python3 openssl ca-certificates iproute2)
 
 missing=()
 for p in "${packages[@]}"; do
