@@ -5,6 +5,10 @@
 namespace veltor {
 namespace {
 
+// The product's wide text is UTF-16, where a character beyond its first plane takes two units: two
+// underscores in a section name on every build.
+size_t Utf16Units(char32_t code) { return code > 0xFFFF ? 2 : 1; }
+
 bool IsTrimmed(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n'; }
 
 }  // namespace
@@ -29,9 +33,7 @@ std::wstring CarSectionName(int32_t profileIndex, std::wstring_view carPath) {
     std::wstring suffix;
     for (const wchar_t c : carPath) {
         const bool kept = (c >= L'a' && c <= L'z') || (c >= L'0' && c <= L'9');
-        suffix.push_back(kept ? c : L'_');
-        // The product's wide text is UTF-16: a character beyond it takes two units, so two underscores.
-        if (sizeof(wchar_t) == 4 && static_cast<uint32_t>(c) > 0xFFFF) suffix.push_back(L'_');
+        suffix.append(kept ? 1 : Utf16Units(static_cast<char32_t>(c)), kept ? c : L'_');
     }
     if (suffix.empty()) suffix = L"generic";
     return L"CarProfile" + std::to_wstring(profileIndex) + L"_" + suffix;
