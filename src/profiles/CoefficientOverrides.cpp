@@ -44,7 +44,7 @@ void ProfileStore::LoadCoefficients() {
     CoefficientOverrides.clear();
     const int32_t count = ReadSectionCount(ini, L"Coefficients");
     for (int32_t i = 0; i < count; ++i) {
-        const std::wstring section = L"Coefficient" + std::to_wstring(i);
+        const std::wstring section = L"Coefficient" + DecimalText(i);
         CarCoefficients entry;
         entry.CarPath = NormalizeCarPath(ini.GetString(section, L"Car", L"", kCarBufferChars));
         if (entry.CarPath.empty()) continue;
@@ -56,13 +56,13 @@ void ProfileStore::LoadCoefficients() {
 }
 
 void ProfileStore::WriteCoefficients(IniDocument& ini) const {
-    ini.SetString(L"Coefficients", L"Count", std::to_wstring(CoefficientOverrides.size()));
+    ini.SetString(L"Coefficients", L"Count", DecimalText(CoefficientOverrides.size()));
     for (size_t i = 0; i < CoefficientOverrides.size(); ++i) {
         const CarCoefficients& entry = CoefficientOverrides[i];
-        const std::wstring section = L"Coefficient" + std::to_wstring(i);
+        const std::wstring section = L"Coefficient" + DecimalText(i);
         ini.SetString(section, L"Car", entry.CarPath);
         for (const CoefficientKey& key : kCoefficientKeys) {
-            ini.SetString(section, key.name, std::to_wstring(StoredInteger(entry.*key.field, key.factor)));
+            ini.SetString(section, key.name, DecimalText(StoredInteger(entry.*key.field, key.factor)));
         }
     }
 }

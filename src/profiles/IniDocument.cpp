@@ -17,19 +17,11 @@ std::wstring_view Trim(std::wstring_view text) {
 
 std::wstring_view CutAtNul(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
-std::wstring Folded(std::wstring_view text) {
-    std::wstring folded(text);
-    for (wchar_t& c : folded) {
-        if (c >= L'A' && c <= L'Z') c = static_cast<wchar_t>(c - L'A' + L'a');
-    }
-    return folded;
-}
+wchar_t FoldAscii(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; }
 
 bool SameName(std::wstring_view a, std::wstring_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](wchar_t x, wchar_t y) {
-               auto fold = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
-               return fold(x) == fold(y);
-           });
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [](wchar_t x, wchar_t y) { return FoldAscii(x) == FoldAscii(y); });
 }
 
 uint32_t Offset(size_t at) { return static_cast<uint32_t>(at); }
@@ -59,6 +51,14 @@ std::wstring Stored(std::wstring_view value) {
 
 }  // namespace
 
+size_t IniDocument::FoldedHash::operator()(std::wstring_view name) const {
+    size_t hash = 14695981039346656037ull;  // FNV-1a
+    for (const wchar_t c : name) hash = (hash ^ static_cast<size_t>(FoldAscii(c))) * 1099511628211ull;
+    return hash;
+}
+
+bool IniDocument::FoldedEqual::operator()(std::wstring_view a, std::wstring_view b) const { return SameName(a, b); }
+
 bool IsIniBlank(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r') || c == L'\x1A'; }
 
 IniDocument IniDocument::Parse(std::wstring_view text) {
@@ -79,7 +79,7 @@ IniDocument IniDocument::Parse(std::wstring_view text) {
         if (isHeader) {
             Section section;
             section.name = CutAtNul(Trim(content.substr(1, close - 1)));
-            doc.firstSection.try_emplace(Folded(section.name), doc.sections.size());
+            doc.firstSection.try_emplace(section.name, doc.sections.size());
             doc.sections.push_back(std::move(section));
             current = doc.sections.size() - 1;
         }
@@ -116,7 +116,7 @@ std::wstring IniDocument::Serialize() const {
 }
 
 const IniDocument::Section* IniDocument::FindSection(std::wstring_view name) const {
-    const auto found = firstSection.find(Folded(Trim(name)));
+    const auto found = firstSection.find(Trim(name));
     return found == firstSection.end() ? nullptr : &sections[found->second];
 }
 
@@ -153,8 +153,9 @@ void IniDocument::Apply(const IniDocument& writes) {
 }
 
 IniDocument::Section& IniDocument::SectionFor(std::wstring_view name) {
-    const auto [found, added] = firstSection.try_emplace(Folded(name), sections.size());
-    if (!added) return sections[found->second];
+    const auto existing = firstSection.find(name);
+    if (existing != firstSection.end()) return sections[existing->second];
+    firstSection.emplace(name, sections.size());
     // The file's last line may lack its line end; the new header must start a line of its own.
     for (auto last = sections.rbegin(); last != sections.rend(); ++last) {
         if (last->text.empty()) continue;

@@ -49,8 +49,18 @@ private:
     Section& SectionFor(std::wstring_view name);
     void SetRaw(std::wstring_view section, std::wstring_view key, std::wstring_view stored);
 
+    // Names compare with A to Z folded, looked up by view without a copy.
+    struct FoldedHash {
+        using is_transparent = void;
+        size_t operator()(std::wstring_view name) const;
+    };
+    struct FoldedEqual {
+        using is_transparent = void;
+        bool operator()(std::wstring_view a, std::wstring_view b) const;
+    };
+
     std::vector<Section> sections{Section{}};
-    std::unordered_map<std::wstring, size_t> firstSection{{std::wstring(), 0}};  // folded name -> index
+    std::unordered_map<std::wstring, size_t, FoldedHash, FoldedEqual> firstSection{{std::wstring(), 0}};
 };
 
 // The characters the platform trims from names and values: ASCII white space and Ctrl-Z.

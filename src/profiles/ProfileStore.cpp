@@ -43,13 +43,15 @@ bool ProfileStore::Commit(const IniDocument& writes) {
     std::string bytes;
     IniFileStamp stamp;
     const IniFileRead read = ReadIniFile(Path, bytes, stamp);
-    Unsaved.Apply(writes);
     IniDocument next = IniDocument::Parse(DecodeIniBytes(bytes));
     next.Apply(Unsaved);
+    next.Apply(writes);
     const bool saved = read != IniFileRead::Failed && ReplaceIniFile(Path, EncodeIniText(next.Serialize()));
     if (saved) {
         Unsaved = IniDocument();
         stamp = StampIniFile(Path);
+    } else {
+        Unsaved.Apply(writes);
     }
     Ini = std::move(next);
     IniStamp = stamp;
@@ -68,8 +70,8 @@ void ProfileStore::LoadProfiles() {
     }
     Profiles.reserve(static_cast<size_t>(count));
     for (int32_t i = 0; i < count; ++i) {
-        const std::wstring section = L"Profile" + std::to_wstring(i);
-        std::wstring name = ini.GetString(section, L"Name", L"Driver " + std::to_wstring(i + 1), kNameBufferChars);
+        const std::wstring section = L"Profile" + DecimalText(i);
+        std::wstring name = ini.GetString(section, L"Name", L"Driver " + DecimalText(i + 1), kNameBufferChars);
         Profiles.push_back({std::move(name), ReadSettings(ini, section, CurrentSettings)});
     }
     SelectedProfile = std::max(std::min(ReadIniInt(ini, L"Profiles", L"Selected", 0), count - 1), 0);
@@ -79,10 +81,10 @@ void ProfileStore::LoadProfiles() {
 bool ProfileStore::SaveAll() {
     SyncCurrentSettings();
     IniDocument writes;
-    writes.SetString(L"Profiles", L"Count", std::to_wstring(Profiles.size()));
-    writes.SetString(L"Profiles", L"Selected", std::to_wstring(SelectedProfile));
+    writes.SetString(L"Profiles", L"Count", DecimalText(Profiles.size()));
+    writes.SetString(L"Profiles", L"Selected", DecimalText(SelectedProfile));
     for (size_t i = 0; i < Profiles.size(); ++i) {
-        const std::wstring section = L"Profile" + std::to_wstring(i);
+        const std::wstring section = L"Profile" + DecimalText(i);
         writes.SetString(section, L"Name", Profiles[i].Name);
         WriteSettings(writes, section, Profiles[i].Settings);
     }
@@ -147,12 +149,12 @@ void ProfileStore::WriteCarProfiles(IniDocument& ini) const {
 
 std::wstring ProfileStore::LookUpDriverIdentity(int32_t userId) {
     if (userId < 1) return {};
-    return TrimText(File().GetString(L"DriverIdentity", std::to_wstring(userId), L"", kNameBufferChars));
+    return TrimText(File().GetString(L"DriverIdentity", DecimalText(userId), L"", kNameBufferChars));
 }
 
 bool ProfileStore::WriteDriverIdentity(int32_t userId, std::wstring_view name) {
     IniDocument writes;
-    writes.SetString(L"DriverIdentity", std::to_wstring(userId), name);
+    writes.SetString(L"DriverIdentity", DecimalText(userId), name);
     return Commit(writes);
 }
 
@@ -162,7 +164,7 @@ std::wstring ProfileStore::DriverDisplayName(const EngineStatus& status) {
     if (!status.driverName.empty() && !EqualsFoldingAscii(status.driverName, L"unknown") && status.driverNameKnown) {
         return status.driverName;
     }
-    if (status.driverUserId >= 1) return L"account #" + std::to_wstring(status.driverUserId);
+    if (status.driverUserId >= 1) return L"account #" + DecimalText(status.driverUserId);
     return status.driverName;
 }
 

@@ -13,6 +13,18 @@ bool IsTrimmed(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\r' || c ==
 
 }  // namespace
 
+std::wstring DecimalText(int64_t value) {
+    wchar_t digits[24];
+    size_t at = sizeof digits / sizeof digits[0];
+    uint64_t magnitude = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+    do {
+        digits[--at] = static_cast<wchar_t>(L'0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    if (value < 0) digits[--at] = L'-';
+    return std::wstring(digits + at, digits + sizeof digits / sizeof digits[0]);
+}
+
 std::wstring TrimText(std::wstring_view text) {
     while (!text.empty() && IsTrimmed(text.front())) text.remove_prefix(1);
     while (!text.empty() && IsTrimmed(text.back())) text.remove_suffix(1);
@@ -36,7 +48,7 @@ std::wstring CarSectionName(int32_t profileIndex, std::wstring_view carPath) {
         suffix.append(kept ? 1 : Utf16Units(static_cast<char32_t>(c)), kept ? c : L'_');
     }
     if (suffix.empty()) suffix = L"generic";
-    return L"CarProfile" + std::to_wstring(profileIndex) + L"_" + suffix;
+    return L"CarProfile" + DecimalText(profileIndex) + L"_" + suffix;
 }
 
 }  // namespace veltor

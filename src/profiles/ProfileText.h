@@ -5,6 +5,9 @@
 
 namespace veltor {
 
+// "%d": the platform's C library formats slowly, and a save formats some 25,000 numbers.
+std::wstring DecimalText(int64_t value);
+
 // Without leading and trailing blank, tab, CR and LF.
 std::wstring TrimText(std::wstring_view text);
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "profiles/ProfileText.h"
+
 namespace veltor {
 namespace {
 
@@ -54,7 +56,7 @@ bool IsSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 }  // namespace
 
 int32_t ReadIniInt(const IniDocument& ini, std::wstring_view section, std::wstring_view key, int32_t fallback) {
-    const std::wstring text = ini.GetString(section, key, std::to_wstring(fallback), kIntegerBufferChars);
+    const std::wstring text = ini.GetString(section, key, DecimalText(fallback), kIntegerBufferChars);
     size_t at = 0;
     while (at < text.size() && IsSpace(text[at])) ++at;
     const bool negative = at < text.size() && text[at] == L'-';
@@ -99,7 +101,7 @@ EngineSettings ReadSettings(const IniDocument& ini, std::wstring_view section, c
 void WriteSettings(IniDocument& ini, std::wstring_view section, const EngineSettings& settings) {
     for (const SettingsKey& key : kSettingsKeys) {
         const int32_t value = key.flag != nullptr ? (settings.*key.flag ? 1 : 0) : settings.*key.number;
-        ini.SetString(section, key.name, std::to_wstring(value));
+        ini.SetString(section, key.name, DecimalText(value));
     }
 }
 
