@@ -30,6 +30,19 @@ EngineSettings Distinct(int32_t seed) {
     return settings;
 }
 
+// What a user sees of a store: the selection, the live record, the profiles and the overrides, as one text.
+std::wstring Summary(const ProfileStore& store) {
+    std::wstring text = std::to_wstring(store.SelectedProfile) + Text(store.CurrentSettings);
+    for (const DriverProfile& profile : store.Profiles) text += profile.Name + Text(profile.Settings);
+    for (const CarCoefficients& c : store.CoefficientOverrides) {
+        for (const float number : {c.YawRateMultiplier, c.YawSteerGain, c.LateralAccelDivisor, c.ResistanceGain,
+                                   c.SteerMarginBias}) {
+            text += c.CarPath + L" " + std::to_wstring(number) + L"\n";
+        }
+    }
+    return text;
+}
+
 ProfileStore Loaded(const ProfileStoreFolder& folder) {
     ProfileStore store(folder.IniPath());
     store.LoadCoefficients();
@@ -83,47 +96,27 @@ TEST(ProfileStore, AHugeCountCostsNoMoreThanTheFileHolds) {
 
 TEST(ProfileStore, SaveAllRoundTripsEveryFieldAndNonAsciiNames) {
     ProfileStoreFolder folder;
-    {
-        ProfileStore store(folder.IniPath());
-        store.Profiles = {{L"J\u00fcrgen M\u00fcller", Distinct(11)}, {L"\u0141ukasz", Distinct(12)},
-                          {L"\u6e21\u8fba", Distinct(13)}};
-        store.SelectedProfile = 1;
-        store.CurrentSettings = EngineSettings{1, false, false, true, true, true, true, 3, 44, 55, 66, 77, 88,
-                                               -9, 10, 111, 12, 13, 149, 14, 15, 16, 17, 18, 9990};
-        store.PutCarSettings(0, L"mx5 mx52016", Distinct(21));
-        store.PutCarSettings(2, L"RT2000", Distinct(22));
-        store.PutCoefficients({L"MX5 MX52016", 37.0f, 0.125f, 96.0f, 0.9f, -0.01745329f});
-        store.PutCoefficients({L"newcar", 45.5f, 0.0f, 200.0f, 1.55f, 0.0f});
-        ASSERT_TRUE(store.SaveAll());
-        ASSERT_TRUE(store.WriteDriverIdentity(321, L"\u6e21\u8fba \u4e00"));
-    }
+    ProfileStore saved(folder.IniPath());
+    saved.Profiles = {{L"J\u00fcrgen M\u00fcller", Distinct(11)}, {L"\u0141ukasz", Distinct(12)}, {L"\u6e21\u8fba", {}}};
+    saved.SelectedProfile = 1;
+    saved.CurrentSettings = {1, false, false, true, true, true, true, 3, 44, 55, 66, 77, 88,
+                             -9, 10, 111, 12, 13, 149, 14, 15, 16, 17, 18, 9990};
+    saved.PutCarSettings(0, L"mx5 mx52016", Distinct(21));
+    saved.PutCarSettings(2, L"RT2000", Distinct(22));
+    saved.PutCoefficients({L"MX5 MX52016", 37.0f, 0.125f, 96.0f, 0.9f, -0.01745329f});
+    saved.PutCoefficients({L"newcar", 45.5f, 0.0f, 200.0f, 1.55f, 0.0f});
+    ASSERT_TRUE(saved.SaveAll());
+    ASSERT_TRUE(saved.WriteDriverIdentity(321, L"\u6e21\u8fba \u4e00"));
     EXPECT_NE(FileText(folder).find(L"SteerMarginBiasTenthDeg=-10\r\n"), std::wstring::npos);
 
-    ProfileStore store = Loaded(folder);
-    ASSERT_EQ(store.Profiles.size(), 3u);
-    EXPECT_EQ(store.Profiles[0].Name, L"J\u00fcrgen M\u00fcller");
-    EXPECT_EQ(store.Profiles[2].Name, L"\u6e21\u8fba");
-    EXPECT_EQ(Text(store.Profiles[0].Settings), Text(Distinct(11)));
-    EXPECT_EQ(store.SelectedProfile, 1);
-    EXPECT_EQ(Text(store.CurrentSettings), Text(EngineSettings{1, false, false, true, true, true, true, 3, 44, 55,
-                                                               66, 77, 88, -9, 10, 111, 12, 13, 149, 14, 15, 16,
-                                                               17, 18, 9990}));
-    EngineSettings car = Distinct(21);
-    car.UseCarSpecificSettings = true;
-    EXPECT_EQ(Text(store.GetCarSettings(0, L"mx5 mx52016", EngineSettings{})), Text(car));
-    EXPECT_EQ(store.GetCarSettings(2, L"rt2000", EngineSettings{}).ForceStrength, 22);
-    EXPECT_EQ(store.GetCarSettings(1, L"rt2000", Distinct(5)).ForceStrength, 5);
-    EXPECT_EQ(store.CarProfiles.size(), 2u);
-
-    ASSERT_EQ(store.CoefficientOverrides.size(), 2u);
-    const CarCoefficients& mx5 = store.CoefficientOverrides[0];
-    EXPECT_EQ(mx5.CarPath, L"mx5 mx52016");
-    EXPECT_EQ(mx5.YawRateMultiplier, 37.0f);
-    EXPECT_EQ(mx5.YawSteerGain, 0.125f);
-    EXPECT_EQ(mx5.ResistanceGain, 0.9f);
-    EXPECT_EQ(mx5.SteerMarginBias, -10.0f / 572.9578f);
-    EXPECT_EQ(store.CoefficientOverrides[1].LateralAccelDivisor, 200.0f);
-    EXPECT_EQ(store.LookUpDriverIdentity(321), L"\u6e21\u8fba \u4e00");
+    ProfileStore loaded = Loaded(folder);
+    EXPECT_EQ(Summary(loaded), Summary(saved));
+    for (const CarProfile& entry : saved.CarProfiles) {
+        EXPECT_EQ(Text(loaded.GetCarSettings(entry.ProfileIndex, entry.CarPath, {})), Text(entry.Settings));
+    }
+    EXPECT_EQ(loaded.GetCarSettings(1, L"rt2000", Distinct(5)).ForceStrength, 5);
+    EXPECT_EQ(loaded.CarProfiles.size(), saved.CarProfiles.size());
+    EXPECT_EQ(loaded.LookUpDriverIdentity(321), L"\u6e21\u8fba \u4e00");
 }
 
 // Another writer's keys, lines we don't write and car sections nobody touched survive a save; the older

@@ -56,14 +56,5 @@ TEST(SettingsSection, ReadSettingsKeepsTheBaseExceptWhereAKeyOrOneOfItsRulesSays
     }
 }
 
-TEST(SettingsSection, WrittenRecordReadsBackOverAnyBase) {
-    const EngineSettings written{1, false, false, true, true, true, true, 3, 44, 55, 66, 77, 88, -9,
-                                 10, 111, 12, 13, 149, 14, 15, 16, 17, 18, 9990};
-    IniDocument ini;
-    WriteSettings(ini, L"S", written);
-    EXPECT_EQ(Text(ReadSettings(ini, L"S", EngineSettings{})), Text(written));
-    EXPECT_EQ(ini.GetString(L"S", L"LegacyIracingFfbHandoff", L"absent", 8), L"absent");
-}
-
 }  // namespace
 }  // namespace veltor
