@@ -41,6 +41,7 @@ int32_t StoredInteger(float value, float factor) {
 
 void ProfileStore::LoadCoefficients() {
     const IniDocument& ini = File();
+    LoadMissedTheFile = LoadMissedTheFile || IniReadFailed;
     CoefficientOverrides.clear();
     const int32_t count = ReadSectionCount(ini, L"Coefficients");
     for (int32_t i = 0; i < count; ++i) {

@@ -30,15 +30,16 @@ const IniDocument& ProfileStore::File() {
     const IniFileStamp now = StampIniFile(Path);
     if (IniLoaded && now == IniStamp) return Ini;
     std::string bytes;
-    ReadIniFile(Path, bytes, IniStamp);
+    IniReadFailed = ReadIniFile(Path, bytes, IniStamp) == IniFileRead::Failed;
     Ini = IniDocument::Parse(DecodeIniBytes(bytes));
     Ini.Apply(Unsaved);
     IniLoaded = true;
     return Ini;
 }
 
-// Reads the file afresh so that keys another writer put there meanwhile stay, and never replaces a file that
-// exists but could not be read.
+// Reads the file afresh so that keys another writer put there meanwhile stay. Never replaces a file that
+// exists but cannot be read, nor one whose profiles the start-up load couldn't read (locked then, say): the
+// defaults in memory would take their place.
 bool ProfileStore::Commit(const IniDocument& writes) {
     std::string bytes;
     IniFileStamp stamp;
@@ -46,7 +47,8 @@ bool ProfileStore::Commit(const IniDocument& writes) {
     IniDocument next = IniDocument::Parse(DecodeIniBytes(bytes));
     next.Apply(Unsaved);
     next.Apply(writes);
-    const bool saved = read != IniFileRead::Failed && ReplaceIniFile(Path, EncodeIniText(next.Serialize()));
+    const bool replaceable = read == IniFileRead::Missing || (read == IniFileRead::Read && !LoadMissedTheFile);
+    const bool saved = replaceable && ReplaceIniFile(Path, EncodeIniText(next.Serialize()));
     if (saved) {
         Unsaved = IniDocument();
         stamp = StampIniFile(Path);
@@ -56,11 +58,13 @@ bool ProfileStore::Commit(const IniDocument& writes) {
     Ini = std::move(next);
     IniStamp = stamp;
     IniLoaded = true;
+    IniReadFailed = read == IniFileRead::Failed;
     return saved;
 }
 
 void ProfileStore::LoadProfiles() {
     const IniDocument& ini = File();
+    LoadMissedTheFile = LoadMissedTheFile || IniReadFailed;
     Profiles.clear();
     const int32_t count = ReadSectionCount(ini, L"Profiles");
     if (count < 1) {

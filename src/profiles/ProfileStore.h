@@ -51,7 +51,8 @@ public:
     void LoadProfiles();
     void LoadCoefficients();
     // Everything, into the file at once. False when the file could not be replaced (read-only, locked, disk
-    // full, or a file that exists but could not be read); memory keeps it all and the next save retries.
+    // full, or a file that exists but could not be read, now or at load); memory keeps it all and the next
+    // save retries.
     bool SaveAll();
 
     int32_t FindProfileByName(std::wstring_view name) const;
@@ -86,7 +87,9 @@ private:
     IniDocument Ini;         // the file as last read, with Unsaved on top
     IniFileStamp IniStamp;
     bool IniLoaded = false;
-    IniDocument Unsaved;     // writes that have not reached the disk yet
+    bool IniReadFailed = false;      // the file exists but its last reading failed
+    bool LoadMissedTheFile = false;  // a start-up load ran while the file couldn't be read
+    IniDocument Unsaved;             // writes that have not reached the disk yet
 };
 
 }  // namespace veltor

@@ -181,7 +181,9 @@ TEST(ProfileStore, AFailedSaveLeavesTheFileAndTheNextSaveCatchesUp) {
     EXPECT_EQ(reloaded.LookUpDriverIdentity(7), L"Seven");
 }
 
-TEST(ProfileStore, AFileTooLargeToBeOursIsNeverReplacedAndADeletedOneIsWrittenAnew) {
+// A file the load couldn't read keeps its profiles, even once it can be read: the defaults in memory would
+// take their place.
+TEST(ProfileStore, AFileUnreadableAtLoadIsNeverReplacedAndADeletedOneIsWrittenAnew) {
     ProfileStoreFolder folder;
     const std::string huge = "[Profiles]\nCount=1\n;" + std::string(kMaxIniFileBytes, 'x');
     folder.Write(huge);
@@ -189,6 +191,9 @@ TEST(ProfileStore, AFileTooLargeToBeOursIsNeverReplacedAndADeletedOneIsWrittenAn
     EXPECT_EQ(store.Profiles[0].Name, L"Default");
     EXPECT_FALSE(store.SaveAll());
     EXPECT_EQ(std::filesystem::file_size(folder.IniFile()), huge.size());
+    folder.Write("[Profiles]\nCount=1\n[Profile0]\nName=Mine\n");
+    EXPECT_FALSE(store.SaveAll());
+    EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Mine");
 
     std::filesystem::remove(folder.IniFile());
     EXPECT_TRUE(store.SaveAll());
