@@ -6,7 +6,6 @@
 #include "profiles/SettingsSection.h"
 
 namespace veltor {
-
 namespace {
 
 constexpr size_t kCarBufferChars = 128;
