@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/EngineSettings.h"
@@ -36,7 +37,8 @@ std::wstring IniFilePath();
 // visible to reads and goes out with the next save.
 class ProfileStore {
 public:
-    explicit ProfileStore(std::wstring iniPath = IniFilePath()) : Path(std::move(iniPath)) {}
+    ProfileStore() : ProfileStore(IniFilePath()) {}
+    explicit ProfileStore(std::wstring iniPath) : Path(std::move(iniPath)) {}
 
     std::vector<DriverProfile> Profiles;
     std::vector<CarProfile> CarProfiles;  // only the entries touched in this run
