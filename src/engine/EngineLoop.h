@@ -9,7 +9,7 @@
 #include "engine/FfbEngine.h"
 #include "engine/GripModel.h"
 #include "engine/RoadTexture.h"
-#include "engine/ThreadControl.h"
+#include "platform/ThreadControl.h"
 #include "recording/RecordingHook.h"
 #include "telemetry/IrsdkClient.h"
 #include "telemetry/SessionInfoScanner.h"

@@ -2,7 +2,7 @@
 
 #include "engine/CrashProtection.h"
 #include "engine/EnginePlatform.h"
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 #include "profiles/CarCatalogue.h"
 #include "recording/RecordingHeader.h"
 

@@ -13,6 +13,7 @@
 #include "profiles/CarCoefficients.h"
 #include "recording/TelemetryRecorder.h"
 #include "telemetry/TelemetryFrame.h"
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor {

@@ -5,8 +5,8 @@
 #include <system_error>
 #include <thread>
 
-#include "engine/SteadyClock.h"
-#include "engine/ThreadControl.h"
+#include "platform/SteadyClock.h"
+#include "platform/ThreadControl.h"
 #include "recording/RecordingFile.h"
 #include "recording/RecordingHeader.h"
 #include "recording/RecordingRing.h"

@@ -5,7 +5,8 @@
 #include <system_error>
 #include <thread>
 
-#include "engine/ThreadControl.h"
+#include "platform/ThreadControl.h"
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor {

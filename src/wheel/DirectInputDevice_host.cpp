@@ -1,6 +1,6 @@
 #include "wheel/DirectInputDevice_host.h"
 
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/EnginePlatform.h"
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor::test {
