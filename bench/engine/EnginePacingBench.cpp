@@ -17,7 +17,7 @@
 
 #include "TelemetryLayoutWriter.h"
 #include "engine/EnginePlatform.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
 #include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
 

@@ -11,7 +11,7 @@
 #include "AllocationCounter.h"
 #include "IbtImage.h"
 #include "ReplaySession.h"
-#include "recording/RecordingHook.h"
+#include "engine/RecordingHook.h"
 
 namespace {
 

@@ -1,16 +1,23 @@
 #pragma once
 // The engine thread: finds the simulator, silences its force, opens the wheel, and turns each new
-// telemetry frame into a burst of outputs paced on the steady clock. Included by FfbEngine.h.
+// telemetry frame into a burst of outputs paced on the steady clock.
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <system_error>
+#include <thread>
 
-#include "engine/BaseSignal.h"
+#include "engine/AbsVibration.h"
+#include "engine/BaseTorque.h"
+#include "engine/CorrectionRamp.h"
 #include "engine/FfbEngine.h"
 #include "engine/GripModel.h"
+#include "engine/MixForce.h"
+#include "engine/OutputStage.h"
+#include "engine/RecordingHook.h"
 #include "engine/RoadTexture.h"
+#include "engine/SteeringLock.h"
 #include "platform/ThreadControl.h"
-#include "recording/RecordingHook.h"
 #include "telemetry/IrsdkClient.h"
 #include "telemetry/SessionInfoScanner.h"
 
@@ -223,17 +230,8 @@ private:
         Platform::ForceStored(outputIndex, value);
     }
 
-    // Converts a finished force, counts it for the reports, shapes it and hands it to the wheel.
     void EmitForce(float force, bool parked, const EngineSettings& settings, int32_t outputIndex) {
-        const int32_t v = ToOutputUnits(force, settings);
-        ++engine.clipSamples;
-        if (v > kHandOverLimit || v < -kHandOverLimit) ++engine.clipOver;
-        const int32_t c = std::clamp(v, -kHandOverLimit, kHandOverLimit);
-        const int32_t s = ShapeOutput(c, parked, settings);
-        ++engine.outSamples;
-        if (s != 0) ++engine.outNonZero;
-        engine.outPeak = std::max(engine.outPeak, s < 0 ? -s : s);
-        StoreForce(std::clamp(s, -kHandOverLimit, kHandOverLimit), outputIndex);
+        StoreForce(engine.CountOutput(force, parked, settings), outputIndex);
     }
 
     // One new frame on track. Allocates nothing and takes only the two short copies' locks.
@@ -345,6 +343,18 @@ void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) 
     }
     EndSystemTimerPeriod();
     engine.running.store(false);
+}
+
+template <class Platform>
+void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
+    Stop();
+    PublishSettings(current);
+    stopRequested.store(false);
+    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
+    try {
+        thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
+    } catch (const std::system_error&) {
+    }
 }
 
 }  // namespace veltor

@@ -1,6 +1,7 @@
 #include "engine/FfbEngine.h"
 
 #include "engine/CrashProtection.h"
+#include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
 #include "platform/SteadyClock.h"
 #include "profiles/CarCatalogue.h"
@@ -72,30 +73,6 @@ void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view
     status.driverUserId = driverUserId;
     status.driverNameKnown = driverNameKnown;
     if (!isConnected) status.clippedPercent = 0.0f;
-}
-
-void FfbEngine::ReportClipping() {
-    const float percent = clipSamples >= 1
-                              ? static_cast<float>(clipOver) * 100.0f / static_cast<float>(clipSamples)
-                              : 0.0f;
-    {
-        std::lock_guard guard(statusLock);
-        ++status.clipReportCount;
-        status.clippedPercent = percent;
-    }
-    clipSamples = 0;
-    clipOver = 0;
-}
-
-void FfbEngine::ReportOutput() {
-    std::lock_guard guard(statusLock);
-    ++status.outputReportCount;
-    status.outputReportSamples = static_cast<uint32_t>(outSamples);
-    status.outputReportNonZero = static_cast<uint32_t>(outNonZero);
-    status.outputReportPeak = outPeak;
-    outSamples = 0;
-    outNonZero = 0;
-    outPeak = 0;
 }
 
 float FfbEngine::ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now) {

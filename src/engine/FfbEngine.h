@@ -4,16 +4,15 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "engine/EngineSettings.h"
 #include "engine/EngineStatus.h"
+#include "platform/WindowHandle.h"
 #include "profiles/CarCoefficients.h"
 #include "recording/TelemetryRecorder.h"
 #include "telemetry/TelemetryFrame.h"
-#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor {
@@ -32,7 +31,8 @@ public:
     void PublishOverrides(const std::vector<CarCoefficients>& newOverrides);
     EngineStatus CopyStatus();
     void Start(const EngineSettings& current, WindowHandle window, DeviceGuid device);
-    // Start with another platform for the engine thread (tests observe its stores this way).
+    // Start with another platform for the engine thread (tests observe its stores this way). Defined in
+    // EngineLoop.h, which its callers include.
     template <class Platform>
     void StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device);
     void Stop();
@@ -47,6 +47,9 @@ public:
     // Engine thread only.
     void UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath, std::wstring_view driverName,
                       int32_t driverUserId, bool driverNameKnown);
+    // Converts a finished force for the wheel and counts it for the stint's reports; returns the value the
+    // wheel is handed.
+    int32_t CountOutput(float force, bool parked, const EngineSettings& tickSettings);
     void ReportClipping();
     void ReportOutput();
     float ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now);
@@ -70,21 +73,4 @@ public:
     std::thread thread;  // GUI thread; joinable from Start to Stop
 };
 
-template <class Platform>
-void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device);
-
-template <class Platform>
-void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
-    Stop();
-    PublishSettings(current);
-    stopRequested.store(false);
-    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
-    try {
-        thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
-    } catch (const std::system_error&) {
-    }
-}
-
 }  // namespace veltor
-
-#include "engine/EngineLoop.h"

@@ -12,7 +12,7 @@
 #include "SimulatedDrive_win32.h"
 #include "VirtualWheelLog_win32.h"
 #include "engine/EnginePlatform.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
 #include "wheel/WheelDevice.h"
 
 namespace veltor {

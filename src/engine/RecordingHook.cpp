@@ -1,9 +1,9 @@
-#include "recording/RecordingHook.h"
+#include "engine/RecordingHook.h"
 
 #include <cmath>
 
-#include "engine/BaseSignal.h"
-#include "engine/RoadTexture.h"
+#include "engine/MixForce.h"
+#include "engine/OutputStage.h"
 
 namespace veltor {
 namespace {

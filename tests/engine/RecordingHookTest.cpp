@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/FfbEngine.h"
-#include "recording/RecordingHook.h"
+#include "engine/RecordingHook.h"
 
 namespace veltor {
 namespace {

@@ -1,0 +1,11 @@
+#pragma once
+#include "engine/EngineSettings.h"
+#include "telemetry/TelemetryFrame.h"
+
+namespace veltor {
+
+// The 35 Hz ABS vibration, one value per output of the tick; carries its phase in `absPhase`.
+void FillAbsVibration(const TelemetryFrame& frame, const EngineSettings& settings, bool interpolate, int outputs,
+                      float& absPhase, float (&vibration)[12]);
+
+}  // namespace veltor
