@@ -12,6 +12,7 @@
 #include "IbtImage.h"
 #include "ReplaySession.h"
 #include "engine/RecordingHook.h"
+#include "platform/SteadyClock.h"
 
 namespace {
 
@@ -77,11 +78,11 @@ void PrintHookCost() {
     auto recorder = std::make_unique<TelemetryRecorder>();
 
     Clock::time_point start = Clock::now();
-    for (int i = 0; i < kHookCalls; ++i) RecordTick(*recorder, tick, i);
+    for (int i = 0; i < kHookCalls; ++i) RecordTick(*recorder, tick, &SteadyNowNanoseconds);
     const double idle = Seconds(Clock::now() - start) * 1e9 / kHookCalls;
 
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "veltor_bench_hook.vtrrec";
-    if (!recorder->Start(path.wstring(), RecordingHeader{}, 0)) {
+    if (!recorder->Start(path.wstring(), RecordingHeader{})) {
         std::printf("recording hook: cannot create %s\n", path.string().c_str());
         return;
     }
@@ -90,7 +91,7 @@ void PrintHookCost() {
     Clock::duration pushing{};
     for (int run = 0; run < kHookCalls / kHookRun; ++run) {
         start = Clock::now();
-        for (int i = 0; i < kHookRun; ++i) RecordTick(*recorder, tick, (run * kHookRun + i) * 16666667LL);
+        for (int i = 0; i < kHookRun; ++i) RecordTick(*recorder, tick, &SteadyNowNanoseconds);
         pushing += Clock::now() - start;
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
     }

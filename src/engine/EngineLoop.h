@@ -268,7 +268,7 @@ private:
         }
         RecordTick(engine.recorder,
                    TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings},
-                   Platform::Now());
+                   &Platform::Now);
 
         if (interpolate) {
             InterpolatedBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);

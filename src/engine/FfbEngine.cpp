@@ -3,9 +3,8 @@
 #include "engine/CrashProtection.h"
 #include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
-#include "platform/SteadyClock.h"
+#include "engine/RecordingHook.h"
 #include "profiles/CarCatalogue.h"
-#include "recording/RecordingHeader.h"
 
 namespace veltor {
 
@@ -58,7 +57,7 @@ bool FfbEngine::BeginRecording(const std::wstring& path, const std::wstring& pro
     const CarRow row = ResolveCarRow(now.carPath, current.UseCarSpecificSettings);
     const RecordingHeader header =
         MakeRecordingHeader(now.carPath, now.driverName, profileName, current, row, WallClockMilliseconds());
-    return recorder.Start(path, header, SteadyNowNanoseconds());
+    return recorder.Start(path, header);
 }
 
 void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath,
