@@ -114,7 +114,8 @@ public:
     bool connected = false;
     int32_t lastTick = -1;
     int32_t lastSessionInfoUpdate = -1;
-    std::wstring carPath = L"generic";
+    std::wstring carPath = L"generic";  // clear carRowMemo.valid with each change
+    CarRowMemo carRowMemo;
     std::wstring driverName = L"unknown";
     int32_t driverUserId = 0;
     bool driverNameKnown = true;
@@ -161,6 +162,7 @@ private:
         if (client.HasHeader() && client.SessionInfoLen() > 0 && client.CopySessionInfo(sessionText) &&
             ScanSessionInfo(sessionText.data(), sessionText.size(), identity)) {
             carPath = identity.carPath;
+            carRowMemo.valid = false;
             driverName = identity.driverName;
             driverUserId = identity.driverUserId;
             driverNameKnown = identity.driverNameKnown;
@@ -172,6 +174,7 @@ private:
 
     void ForgetIdentity() {
         carPath = L"generic";
+        carRowMemo.valid = false;
         driverName = L"unknown";
         driverUserId = 0;
         driverNameKnown = true;
@@ -238,7 +241,7 @@ private:
     void Tick(int64_t t0) {
         PublishIdentity(true);
         const EngineSettings settings = engine.CopySettings();
-        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings);
+        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings, carRowMemo);
         wheel.outputEnabled.exchange(true);
 
         const SteeringLockResult lock = ComputeSteeringLock(frame, settings);

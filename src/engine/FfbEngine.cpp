@@ -7,6 +7,18 @@
 #include "profiles/CarCatalogue.h"
 
 namespace veltor {
+namespace {
+
+std::wstring_view StatusText(std::wstring_view text, std::wstring_view fallback) {
+    return (text.empty() ? fallback : text).substr(0, kStatusTextCapacity);
+}
+
+}  // namespace
+
+FfbEngine::FfbEngine() {
+    status.carPath.reserve(kStatusTextCapacity);
+    status.driverName.reserve(kStatusTextCapacity);
+}
 
 void FfbEngine::PublishSettings(const EngineSettings& newSettings) {
     std::lock_guard guard(settingsLock);
@@ -19,25 +31,44 @@ EngineSettings FfbEngine::CopySettings() {
 }
 
 void FfbEngine::PublishOverrides(const std::vector<CarCoefficients>& newOverrides) {
-    std::lock_guard guard(settingsLock);
-    overrides = newOverrides;
-}
+    std::vector<CarCoefficients> fresh = newOverrides;
+    {
+        std::lock_guard guard(settingsLock);
+        overrides.swap(fresh);
+        ++overridesVersion;
+    }
+}  // the old list is freed here, outside the lock
 
 CarRow FfbEngine::ResolveCarRow(std::wstring_view carPath, bool useCarSpecific) {
+    CarRowMemo fresh;
+    return ResolveCarRow(carPath, useCarSpecific, fresh);
+}
+
+// The first match wins: an override, then the catalogue, then the set for an unknown car.
+CarRow FfbEngine::ResolveCarRow(std::wstring_view carPath, bool useCarSpecific, CarRowMemo& memo) {
     if (!useCarSpecific) return kCarIndependentRow;
     {
         std::lock_guard guard(settingsLock);
+        if (memo.valid && memo.overridesVersion == overridesVersion) return memo.row;
+        memo.valid = true;
+        memo.overridesVersion = overridesVersion;
         for (const CarCoefficients& row : overrides) {
-            if (EqualsFoldingAscii(row.CarPath, carPath)) return row.Row();
+            if (EqualsFoldingAscii(row.CarPath, carPath)) return memo.row = row.Row();
         }
     }
-    if (const CarCatalogueRow* row = FindCatalogueRow(carPath)) return row->Coefficients;
-    return kUnmatchedCarRow;
+    const CarCatalogueRow* row = FindCatalogueRow(carPath);
+    return memo.row = row != nullptr ? row->Coefficients : kUnmatchedCarRow;
 }
 
 EngineStatus FfbEngine::CopyStatus() {
-    std::lock_guard guard(statusLock);
-    return status;
+    EngineStatus copy;
+    copy.carPath.reserve(kStatusTextCapacity);
+    copy.driverName.reserve(kStatusTextCapacity);
+    {
+        std::lock_guard guard(statusLock);
+        copy = status;  // the texts fit the room reserved above
+    }
+    return copy;
 }
 
 void FfbEngine::Start(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
@@ -66,9 +97,8 @@ void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view
     status.connected = isConnected;
     if (isConnected && isOnTrack != status.onTrack) ++status.onTrackChangeCount;
     status.onTrack = isOnTrack;
-    // assign() reuses the strings' capacity: no allocation once they have held a name this long.
-    status.carPath.assign(carPath.empty() ? std::wstring_view(L"generic") : carPath);
-    status.driverName.assign(driverName.empty() ? std::wstring_view(L"unknown") : driverName);
+    status.carPath.assign(StatusText(carPath, L"generic"));  // within the reserved room
+    status.driverName.assign(StatusText(driverName, L"unknown"));
     status.driverUserId = driverUserId;
     status.driverNameKnown = driverNameKnown;
     if (!isConnected) status.clippedPercent = 0.0f;

@@ -17,17 +17,30 @@
 
 namespace veltor {
 
+// Wide characters the status keeps of a car path or a driver name; a longer text is cut. Its storage is
+// reserved up front, so neither thread allocates while it holds statusLock.
+constexpr size_t kStatusTextCapacity = 255;
+
+// What the engine thread resolved for the car last, so a tick walks the overrides and the catalogue only
+// when the car or the overrides changed. Engine thread only; cleared when the car path changes.
+struct CarRowMemo {
+    bool valid = false;
+    uint64_t overridesVersion = 0;
+    CarRow row;
+};
+
 // What the GUI thread and the engine thread share. settingsLock and statusLock are never held together,
 // and neither across a wait, a device call or I/O.
 class FfbEngine {
 public:
-    FfbEngine() = default;
+    FfbEngine();
     ~FfbEngine() { Stop(); }
     FfbEngine(const FfbEngine&) = delete;
     FfbEngine& operator=(const FfbEngine&) = delete;
 
     // GUI thread.
     void PublishSettings(const EngineSettings& newSettings);
+    // Both copy outside the lock: the lock guards only a swap or an assignment into reserved room.
     void PublishOverrides(const std::vector<CarCoefficients>& newOverrides);
     EngineStatus CopyStatus();
     void Start(const EngineSettings& current, WindowHandle window, DeviceGuid device);
@@ -45,6 +58,9 @@ public:
     CarRow ResolveCarRow(std::wstring_view carPath, bool useCarSpecific);
 
     // Engine thread only.
+    // ResolveCarRow's result, walking the lists only when `memo` is stale: a published change of the
+    // overrides acts on the next tick, at a cost that does not grow with the lists.
+    CarRow ResolveCarRow(std::wstring_view carPath, bool useCarSpecific, CarRowMemo& memo);
     void UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath, std::wstring_view driverName,
                       int32_t driverUserId, bool driverNameKnown);
     // Converts a finished force for the wheel and counts it for the stint's reports; returns the value the
@@ -63,6 +79,7 @@ public:
     std::atomic<bool> running{false};        // engine sets, GUI reads
     EngineStatus status;                     // engine writes, GUI reads; under statusLock
     std::vector<CarCoefficients> overrides;  // GUI writes, engine reads; under settingsLock
+    uint64_t overridesVersion = 0;           // moves on with each PublishOverrides; under settingsLock
     int64_t crashHoldUntil = 0;              // engine thread only, steady-clock ns
     int32_t clipSamples = 0;                 // engine thread only
     int32_t clipOver = 0;
