@@ -30,6 +30,7 @@ constexpr uint32_t kEventWaitMilliseconds = 100;
 constexpr int32_t kRetrySleepMilliseconds = 500;
 constexpr float kParkedSpeed = 2.0f;                        // m/s
 constexpr int32_t kRestoreMaxForce = 2621440;               // 40 Nm × 65536, the simulator's own maximum
+constexpr int64_t kStallNanoseconds = 1000000000;           // on track this long without a new frame: release
 
 // Native force suppression: the simulator's maximum force as newton metres × 65536.
 inline int32_t SuppressionValue(const EngineSettings& settings) {
@@ -69,9 +70,12 @@ public:
     void ProcessFrame(IrsdkClient& client, int64_t t0) {
         if (!client.ReadFrame(frame) || frame.tickCount == lastTick) {
             PublishIdentity(frame.isOnTrack != 0);
+            ReleaseIfStalled(t0);
             return;
         }
         lastTick = frame.tickCount;
+        lastFrameTime = t0;
+        stalled = false;
         if (frame.isOnTrack == 0) {
             EndStint();
             SilenceWheel();
@@ -120,6 +124,8 @@ public:
     int32_t driverUserId = 0;
     bool driverNameKnown = true;
     uint32_t lastFailureCount = 0;
+    int64_t lastFrameTime = 0;  // t0 of the pass that read the last new frame
+    bool stalled = false;       // the force was released for want of frames, and none has come since
     float correctionRamp[6] = {};
     float lastBase = 0.0f;
     float lastResistance = 0.0f;
@@ -219,6 +225,17 @@ private:
             engine.ReportOutput();
         }
         trackActive = false;
+    }
+
+    // A simulator that hangs on track with its status bit set would have the wheel hold the last force for
+    // ever. After a second without a new frame the wheel is silenced as on leaving the track; the next new
+    // frame brings the force back through the output thread's warm-up and ramp.
+    void ReleaseIfStalled(int64_t t0) {
+        if (!trackActive || stalled || t0 - lastFrameTime < kStallNanoseconds) return;
+        stalled = true;
+        SilenceWheel();
+        ResetTickState();
+        engine.ReportStall();
     }
 
     void SilenceWheel() {

@@ -108,6 +108,11 @@ float FfbEngine::ComputeCrashGain(const TelemetryFrame& frame, const EngineSetti
     return veltor::ComputeCrashGain(frame, tickSettings, now, crashHoldUntil);
 }
 
+void FfbEngine::ReportStall() {
+    std::lock_guard guard(statusLock);
+    ++status.telemetryStallCount;
+}
+
 void FfbEngine::MirrorOutputFailures(uint32_t count, int32_t code) {
     std::lock_guard guard(statusLock);
     status.outputFailureCount = count;

@@ -69,6 +69,7 @@ public:
     void ReportClipping();
     void ReportOutput();
     float ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now);
+    void ReportStall();
     // The failure mirror: new output failures into the status.
     void MirrorOutputFailures(uint32_t count, int32_t code);
 

@@ -15,6 +15,7 @@ using test::ForceLog;
 using test::OnTrackFrame;
 using test::RecordingPlatform;
 using test::RecordingWheel;
+using test::SteppedPlatform;
 using test::ScriptedSimulator;
 using test::StoredForce;
 
@@ -74,8 +75,9 @@ protected:
         hostsim::SetWaitFailure(false);
     }
 
+    template <class Platform = RecordingPlatform>
     void StartEngine(EngineSettings settings = {}) {
-        engine.StartWith<RecordingPlatform>(settings, nullptr, DeviceGuid{});
+        engine.StartWith<Platform>(settings, nullptr, DeviceGuid{});
         ASSERT_TRUE(Eventually([&] { return engine.running.load(); }));
     }
 
@@ -97,10 +99,6 @@ protected:
 
 TEST_F(EngineThread, WalksFromSearchingThroughConnectingToOnTrack) {
     StartEngine();
-    // Searching: no simulator, status disconnected, nothing broadcast.
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_FALSE(engine.CopyStatus().connected);
-
     // Attached: the memory is there but the status bit is clear.
     sim.Appear(false);
     ASSERT_TRUE(sim.Sync());
@@ -308,6 +306,36 @@ TEST_F(EngineThread, StopDuringABurstStillEmitsTheLastOutput) {
         hostsim::ClearBroadcasts();
         RecordingWheel::Reset();
     }
+}
+
+// A simulator that hangs on track with its status bit set: a second without a new frame releases the force
+// once and counts a stall, without leaving the track; the next frame brings the force back.
+TEST_F(EngineThread, ASecondOnTrackWithoutANewFrameReleasesTheForceOnce) {
+    constexpr int64_t kMs = 1000000;
+    SteppedPlatform::now = 1000 * kMs;
+    StartEngine<SteppedPlatform>();
+    Connect();
+    ASSERT_TRUE(sim.PublishFrame(OnTrackFrame({6.0f, 6.0f, 6.0f, 6.0f, 6.0f, 6.0f})));
+    ASSERT_TRUE(sim.Sync());
+    const struct {
+        int64_t at;
+        bool newFrame;
+        bool enabled;
+        uint32_t stalls;
+    } steps[] = {{1999, false, true, 0}, {2000, false, false, 1}, {3000, false, false, 1},
+                 {3100, true, true, 1},  {4099, false, true, 1},  {4100, false, false, 2}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.at);
+        SteppedPlatform::now = step.at * kMs;
+        ASSERT_TRUE(step.newFrame ? sim.PublishFrame(OnTrackFrame({6.0f, 6.0f, 6.0f, 6.0f, 6.0f, 6.0f})) : sim.RepeatFrame());
+        ASSERT_TRUE(sim.Sync());
+        const EngineStatus status = engine.CopyStatus();
+        EXPECT_EQ(Wheel().outputEnabled.load(), step.enabled);
+        EXPECT_EQ(Wheel().commandedForce.load(), step.enabled ? 1500 : 0);
+        EXPECT_EQ(status.telemetryStallCount, step.stalls);
+        EXPECT_TRUE(status.onTrack);
+    }
+    EXPECT_EQ(engine.CopyStatus().outputReportCount, 0u);  // the stint goes on
 }
 
 TEST_F(EngineThread, RestartKeepsACrashHoldAndReportsTheOpenStint) {

@@ -85,4 +85,11 @@ struct RecordingPlatform : EnginePlatform {
     static std::atomic<bool> holdInWait;
 };
 
+// The same on a clock that the test sets, with waits between outputs that return at once.
+struct SteppedPlatform : RecordingPlatform {
+    static inline std::atomic<int64_t> now{0};
+    static int64_t Now() { return now.load(); }
+    static void WaitUntilOffset(int64_t, int32_t, int32_t) {}
+};
+
 }  // namespace veltor::test
