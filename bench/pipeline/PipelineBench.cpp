@@ -69,10 +69,10 @@ void PrintHookCost() {
     TelemetryFrame frame;
     frame.tickCount = 1;
     GripResult grip;
-    float base[6] = {1, 2, 3, 4, 5, 6};
-    float texture[6] = {0.5f, -0.7f, 0.2f, 0.9f, -0.1f, 0.3f};
-    float correction[6] = {};
-    float vibration[12] = {};
+    float base[kMaxSubSamples] = {1, 2, 3, 4, 5, 6};
+    float texture[kMaxSubSamples] = {0.5f, -0.7f, 0.2f, 0.9f, -0.1f, 0.3f};
+    float correction[kMaxSubSamples] = {};
+    float vibration[kMaxOutputsPerTick] = {};
     EngineSettings settings;
     const TickSignals tick{frame, grip, base, texture, correction, vibration, 6, false, 1.0f, settings};
     auto recorder = std::make_unique<TelemetryRecorder>();

@@ -1,8 +1,10 @@
 #pragma once
+#include "telemetry/TelemetryFrame.h"
 
 namespace veltor {
 
-// Moves the six carried ramp slots to this tick's oversteer torque and fills one correction per sub-sample.
-void FillCorrectionRamp(float (&correctionRamp)[6], float oversteerTorque, float (&correction)[6]);
+// Moves the carried ramp slots to this tick's oversteer torque and fills one correction per sub-sample.
+void FillCorrectionRamp(float (&correctionRamp)[kMaxSubSamples], float oversteerTorque,
+                        float (&correction)[kMaxSubSamples]);
 
 }  // namespace veltor

@@ -29,14 +29,16 @@ constexpr int32_t kSpacingSleepMicroseconds = 2000;         // of each 2760 µs 
 constexpr uint32_t kEventWaitMilliseconds = 100;
 constexpr int32_t kRetrySleepMilliseconds = 500;
 constexpr float kParkedSpeed = 2.0f;                        // m/s
+constexpr float kForceFixedPointOne = 65536.0f;             // the broadcast's newton metres are 16.16
+constexpr float kSuppressionNewtonMetres = 10000.0f;        // a maximum no wheel reaches: the simulator goes silent
 constexpr int32_t kRestoreMaxForce = 2621440;               // 40 Nm × 65536, the simulator's own maximum
 constexpr int64_t kStallNanoseconds = 1000000000;           // on track this long without a new frame: release
 
-// Native force suppression: the simulator's maximum force as newton metres × 65536.
+// Native force suppression: the simulator's maximum force as 16.16 newton metres. A wheelbase that scales by
+// the simulator's maximum gets the engine's own full scale instead.
 inline int32_t SuppressionValue(const EngineSettings& settings) {
-    const float newtonMetres =
-        settings.SimucubeMode ? 2000.0f / static_cast<float>(std::max(settings.ForceStrength, 1)) : 10000.0f;
-    return static_cast<int32_t>(newtonMetres * 65536.0f);
+    const float newtonMetres = settings.SimucubeMode ? FullScaleTorque(settings) : kSuppressionNewtonMetres;
+    return static_cast<int32_t>(newtonMetres * kForceFixedPointOne);
 }
 
 // The locals of the engine thread apart from the client and the wheel, and one pass of its loop.
@@ -48,7 +50,8 @@ public:
 
     EngineLoop(FfbEngine& engineRef, Wheel& wheelRef) : engine(engineRef), wheel(wheelRef) {}
 
-    // One pass of the loop, steps 1 to 11.
+    // One pass of the loop: the failure mirror, the simulator, the connection, the session info, the wait
+    // on the data-valid event, and the frame.
     void RunPass(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
         MirrorFailures();
         if (!client.IsOpen() && !client.Open()) {
@@ -66,7 +69,7 @@ public:
         ProcessFrame(client, t0);
     }
 
-    // Steps 6 to 11: read, skip a repeat, follow the track, and run the tick on a new frame.
+    // From the read on: skip a repeat, follow the track, and run the tick on a new frame.
     void ProcessFrame(IrsdkClient& client, int64_t t0) {
         if (!client.ReadFrame(frame) || frame.tickCount == lastTick) {
             PublishIdentity(frame.isOnTrack != 0);
@@ -91,7 +94,8 @@ public:
         Tick(t0);
     }
 
-    // Thread end, steps 1 to 6.
+    // On the thread's way out: the stint's reports, a silent and closed wheel, the simulator's own force
+    // back, and a status as a fresh start would leave it.
     void Finish(IrsdkClient& client) {
         EndStint();
         SilenceWheel();
@@ -126,7 +130,7 @@ public:
     uint32_t lastFailureCount = 0;
     int64_t lastFrameTime = 0;  // t0 of the pass that read the last new frame
     bool stalled = false;       // the force was released for want of frames, and none has come since
-    float correctionRamp[6] = {};
+    float correctionRamp[kMaxSubSamples] = {};
     float lastBase = 0.0f;
     float lastResistance = 0.0f;
     float lastTexture = 0.0f;
@@ -140,7 +144,8 @@ private:
         engine.MirrorOutputFailures(count, wheel.lastError.load());
     }
 
-    // Step 3. False when the pass ends here (the wheel could not be opened).
+    // The suppression once per connection, and the wheel opened. False when the pass ends here (the wheel
+    // could not be opened).
     bool FollowConnection(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
         connected = client.HasHeader() && (client.Status() & irsdk::kStatusConnected) != 0;
         if (!connected) return true;  // an open wheel stays open
@@ -159,7 +164,7 @@ private:
         return true;
     }
 
-    // Step 4: scan the session-info text when its counter moved. The text is copied first, so the
+    // Scans the session-info text when its counter moved. The text is copied first, so the
     // simulator may rewrite its memory during the scan.
     void FollowSessionInfo(const IrsdkClient& client) {
         const int32_t update = client.HasHeader() ? client.SessionInfoUpdate() : -1;
@@ -274,10 +279,10 @@ private:
         const int n = std::clamp(frame.torqueSampleCount, 1, kMaxSubSamples);
         const bool parked = std::fabs(frame.speed) < kParkedSpeed;
         const GripResult grip = ComputeGrip(frame, settings, row);
-        float base[6] = {};
-        float texture[6] = {};
-        float correction[6] = {};
-        float vibration[12] = {};
+        float base[kMaxSubSamples] = {};
+        float texture[kMaxSubSamples] = {};
+        float correction[kMaxSubSamples] = {};
+        float vibration[kMaxOutputsPerTick] = {};
         const bool interpolate = settings.Mode == 1 && n > 1;
         const int m = interpolate ? 2 * n : n;
         FillAbsVibration(frame, settings, interpolate, m, absPhase, vibration);

@@ -11,7 +11,9 @@ namespace {
 constexpr int32_t kParkedDivisor = 4;  // parked cars get a quarter of the force
 constexpr float kMinForceUnitsPerStep = 100.0f;  // output units per step of MinForce
 constexpr float kKneeOffsetUnits = 400.0f;
-constexpr float kKneeCeilingUnits = 9996.0f;
+constexpr float kKneeCeilingUnits = static_cast<float>(kHandOverLimit);
+constexpr float kDefaultFullScaleTorque = 40.0f;  // Nm at full scale with the default strength
+constexpr float kDefaultStrength = 50.0f;
 constexpr float kMaxCurveSlope = 3.0f;
 
 // The low-force curve: a cubic Hermite from (0, 0) with slope k to (1, 1) with slope 1, below the knee.
@@ -33,12 +35,13 @@ int32_t LowForceCurve(int32_t value, int32_t minForce) {
 }  // namespace
 
 float FullScaleTorque(const EngineSettings& settings) {
-    return 2000.0f / static_cast<float>(std::max(settings.ForceStrength, 1));
+    return kDefaultFullScaleTorque * kDefaultStrength / static_cast<float>(std::max(settings.ForceStrength, 1));
 }
 
 int32_t ToOutputUnits(float force, const EngineSettings& settings) {
     if (settings.ForceStrength <= 0) return 0;
-    const float r = (force / 40.0f) * (static_cast<float>(settings.ForceStrength) / 50.0f) * 10000.0f;
+    const float r = (force / kDefaultFullScaleTorque) * (static_cast<float>(settings.ForceStrength) / kDefaultStrength) *
+                    kFullScaleUnits;
     // A value beyond the i32 range (or NaN from a broken frame) has no defined truncation; pin it.
     if (std::isnan(r)) return 0;
     if (r >= 2147483520.0f) return 2147483520;

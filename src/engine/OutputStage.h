@@ -5,9 +5,11 @@
 
 namespace veltor {
 
-constexpr int32_t kHandOverLimit = 9996;  // output units; 10000 is DirectInput's full scale
+constexpr int32_t kHandOverLimit = 9996;     // output units the engine hands to the wheel at most
+constexpr float kFullScaleUnits = 10000.0f;   // DirectInput's full scale
 
-// The torque in newton metres that maps to full scale: 2000 / max(ForceStrength, 1).
+// The torque in newton metres that maps to full scale: 40 Nm at the default strength of 50, so
+// 2000 / max(ForceStrength, 1).
 float FullScaleTorque(const EngineSettings& settings);
 
 // Newton metres to output units, truncated toward zero, not clamped to the hand-over range.

@@ -11,7 +11,6 @@ namespace {
 constexpr float kLockStopApplyBelowRadians = 8.0f;   // a reported half-lock this large has no stop
 constexpr float kLockDampingZoneRadians = 0.5236f;   // 30 degrees short of the lock
 constexpr float kLockFullStopRadians = 0.2618f;      // full stop force 15 degrees past the lock
-constexpr float kLockStopUnits = 10000.0f;
 
 }  // namespace
 
@@ -28,7 +27,7 @@ SteeringLockResult ComputeSteeringLock(const TelemetryFrame& frame, const Engine
     const float p = std::min((angle - half) / kLockFullStopRadians, 1.0f);
     const float s = frame.steeringWheelAngle > 0.0f ? -1.0f : 1.0f;
     const int32_t o = std::clamp(ToOutputUnits(frame.steeringWheelTorque, settings), -kHandOverLimit, kHandOverLimit);
-    const float r = static_cast<float>(o) * (1.0f - p) + s * p * kLockStopUnits;
+    const float r = static_cast<float>(o) * (1.0f - p) + s * p * kFullScaleUnits;
     result.stopForce = std::clamp(static_cast<int32_t>(r), -kHandOverLimit, kHandOverLimit);
     return result;
 }
