@@ -98,100 +98,87 @@ float TorqueForUnits(int32_t units) {
     return torque;
 }
 
-class EmitForceTest : public ::testing::Test {
-protected:
-    void SetUp() override { harness = std::make_unique<TickHarness>(); }
-    EngineSettings& Settings() { return harness->engine.settings; }
-    std::unique_ptr<TickHarness> harness;
-};
-
-// 9996 is handed over as it is; above it the value is clipped and counted.
-TEST_F(EmitForceTest, HandsOver9996UnclippedAndClipsAboveIt) {
+// 9996 is handed over as it is; above it the value is clipped and counted. Each output stores at its index.
+TEST(EmitForce, HandsOver9996UnclippedAndClipsAboveIt) {
+    auto harness = std::make_unique<TickHarness>();
     harness->Run(SteadyFrame(TorqueForUnits(9996)));
     ASSERT_EQ(TickPlatform::storeCount, 6);
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(TickPlatform::storedIndex[i], i);
-        EXPECT_EQ(TickPlatform::storedValue[i], 9996);
-    }
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(TickPlatform::storedIndex[i], i);
+    EXPECT_EQ(TickPlatform::storedValue[5], 9996);
     EXPECT_EQ(harness->engine.clipOver, 0);
-    EXPECT_EQ(harness->wheel.commandedForce.load(), 9996);
     harness->Run(SteadyFrame(TorqueForUnits(9997)));
     EXPECT_EQ(TickPlatform::storedValue[5], 9996);
     harness->Run(SteadyFrame(-TorqueForUnits(20000)));
-    EXPECT_EQ(TickPlatform::storedValue[0], -9996);
+    EXPECT_EQ(harness->wheel.commandedForce.load(), -9996);
     EXPECT_EQ(harness->engine.clipSamples, 18);
     EXPECT_EQ(harness->engine.clipOver, 12);
-    EXPECT_EQ(harness->engine.outPeak, 9996);
 }
 
-TEST_F(EmitForceTest, ParkedCarCountsAsClippedThoughTheWheelGetsAQuarter) {
-    harness->Run(SteadyFrame(TorqueForUnits(12000), 1.0f));
-    EXPECT_EQ(TickPlatform::storedValue[0], 2499);
-    EXPECT_EQ(harness->engine.clipOver, 6);
-    EXPECT_EQ(harness->engine.outPeak, 2499);
-    EXPECT_EQ(harness->engine.outNonZero, 6);
+// A stint's reports at the first frame off track. Clipping is measured before the parked quarter and the
+// low-force curve; a strength of 0 still reports its samples; a stint past the lock has no output at all.
+TEST(EmitForce, AStintReportsItsClippedShareSamplesAndPeak) {
+    const struct {
+        const char* what;
+        std::vector<int32_t> ticks;  // output units of each tick's six outputs
+        float speed, angle;
+        int32_t strength;
+        float clipped;
+        uint32_t samples, nonZero;
+        int32_t peak;
+    } cases[] = {
+        {"one clipped tick in four", {12000, 250, 250, 250}, 3.0f, 0.0f, 50, 25.0f, 24, 24, 9996},
+        {"parked: clipped, a quarter handed over", {12000}, 1.0f, 0.0f, 50, 100.0f, 6, 6, 2499},
+        {"strength 0", {4000, 4000}, 3.0f, 0.0f, 0, 0.0f, 12, 0, 0},
+        {"past the lock", {4000, 4000}, 3.0f, 5.0f, 50, 0.0f, 0, 0, 0},
+    };
+    for (const auto& c : cases) {
+        auto harness = std::make_unique<TickHarness>();
+        harness->engine.settings.ForceStrength = c.strength;
+        for (const int32_t units : c.ticks) {
+            TelemetryFrame frame = SteadyFrame(TorqueForUnits(units), c.speed);
+            frame.steeringWheelAngle = c.angle;
+            harness->Run(frame);
+        }
+        harness->Run(TelemetryFrame{});
+        const EngineStatus status = harness->engine.CopyStatus();
+        EXPECT_EQ(status.clipReportCount, 1u) << c.what;
+        EXPECT_FLOAT_EQ(status.clippedPercent, c.clipped) << c.what;
+        EXPECT_EQ(status.outputReportSamples, c.samples) << c.what;
+        EXPECT_EQ(status.outputReportNonZero, c.nonZero) << c.what;
+        EXPECT_EQ(status.outputReportPeak, c.peak) << c.what;
+        EXPECT_EQ(harness->engine.clipSamples + harness->engine.outSamples + harness->engine.outPeak, 0) << c.what;
+        EXPECT_EQ(harness->wheel.commandedForce.load(), 0) << c.what;
+    }
 }
 
-TEST_F(EmitForceTest, StrengthZeroReportsSamplesNoneOfThemNonZero) {
-    Settings().ForceStrength = 0;
-    harness->Run(SteadyFrame(10.0f));
-    harness->Run(SteadyFrame(10.0f));
-    harness->Run(TelemetryFrame{});  // off track
-    const EngineStatus status = harness->engine.CopyStatus();
-    EXPECT_EQ(status.outputReportCount, 1u);
-    EXPECT_EQ(status.outputReportSamples, 12u);
-    EXPECT_EQ(status.outputReportNonZero, 0u);
-    EXPECT_EQ(status.outputReportPeak, 0);
-    EXPECT_EQ(status.clipReportCount, 1u);
-    EXPECT_EQ(status.clippedPercent, 0.0f);
-}
-
-TEST_F(EmitForceTest, StintReportGivesTheClippedShareAndClearsTheCounters) {
-    harness->Run(SteadyFrame(TorqueForUnits(12000)));
-    harness->Run(SteadyFrame(1.0f));
-    harness->Run(SteadyFrame(1.0f));
-    harness->Run(SteadyFrame(1.0f));
-    TelemetryFrame off;
-    harness->Run(off);
-    const EngineStatus status = harness->engine.CopyStatus();
-    EXPECT_FLOAT_EQ(status.clippedPercent, 25.0f);
-    EXPECT_EQ(status.outputReportSamples, 24u);
-    EXPECT_EQ(status.outputReportNonZero, 24u);
-    EXPECT_EQ(status.outputReportPeak, 9996);
-    EXPECT_EQ(harness->engine.clipSamples, 0);
-    EXPECT_EQ(harness->engine.outSamples, 0);
-    EXPECT_EQ(harness->engine.outPeak, 0);
-    EXPECT_EQ(harness->wheel.commandedForce.load(), 0);
-}
-
-TEST_F(EmitForceTest, ARepeatedTickNeitherStoresNorCounts) {
+// A repeated tick neither stores nor counts. Past the lock a single stop force is stored at index -1,
+// counted in no statistic, and no crash hold begins.
+TEST(EmitForce, RepeatsAndTheLockStopStayOutOfTheStatistics) {
+    auto harness = std::make_unique<TickHarness>();
     harness->Run(SteadyFrame(5.0f));
     harness->Run(SteadyFrame(9.0f), true);
     EXPECT_EQ(TickPlatform::storeCount, 0);
-    EXPECT_EQ(harness->engine.outSamples, 6);
-}
-
-TEST_F(EmitForceTest, LockStopStoresOnceAtIndexMinusOneAndCountsNothing) {
     TelemetryFrame frame = SteadyFrame(5.0f, 30.0f);
     frame.steeringWheelAngle = 5.0f;  // past half of 8 rad by more than 15 degrees
     frame.latAccel = 100.0f;          // a crash hit now would start a hold
-    Settings().Damping = 40;
+    harness->engine.settings.Damping = 40;
     harness->Run(frame);
     ASSERT_EQ(TickPlatform::storeCount, 1);
     EXPECT_EQ(TickPlatform::storedIndex[0], -1);
     EXPECT_EQ(TickPlatform::storedValue[0], -9996);
-    EXPECT_EQ(harness->engine.clipSamples, 0);
-    EXPECT_EQ(harness->engine.outSamples, 0);
+    EXPECT_EQ(harness->engine.outSamples, 6);
+    EXPECT_EQ(harness->engine.clipSamples, 6);
     EXPECT_EQ(harness->engine.crashHoldUntil, 0);
     EXPECT_EQ(harness->wheel.dampingPercent.load(), 40);
     EXPECT_TRUE(harness->wheel.lockDamping.load());
 }
 
-TEST_F(EmitForceTest, CrashGainScalesEveryOutputOfTheTick) {
+TEST(EmitForce, CrashGainScalesEveryOutputOfTheTick) {
+    auto harness = std::make_unique<TickHarness>();
     TelemetryFrame frame = SteadyFrame(TorqueForUnits(8000), 30.0f);
     frame.longAccel = 70.0f;  // above 6 g
-    Settings().UndersteerResistance = 0;
-    Settings().OversteerCorrection = 0;
+    harness->engine.settings.UndersteerResistance = 0;
+    harness->engine.settings.OversteerCorrection = 0;
     harness->Run(frame);
     for (int i = 0; i < 6; ++i) EXPECT_NEAR(TickPlatform::storedValue[i], 400, 1) << i;  // 5 percent
 }

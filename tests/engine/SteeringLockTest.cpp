@@ -5,65 +5,48 @@
 namespace veltor {
 namespace {
 
-EngineSettings WithStrength(int32_t strength) {
-    EngineSettings s;
-    s.ForceStrength = strength;
-    return s;
-}
-
-TelemetryFrame Steering(float angle, float angleMax, float torque = 0.0f) {
-    TelemetryFrame frame;
-    frame.steeringWheelAngle = angle;
-    frame.steeringWheelAngleMax = angleMax;
-    frame.steeringWheelTorque = torque;
-    return frame;
-}
-
-TEST(SteeringLock, StopsOnlyStrictlyPastHalfTheLock) {
-    const EngineSettings s;
-    EXPECT_FALSE(ComputeSteeringLock(Steering(4.0f, 8.0f), s).pastLock);
-    EXPECT_TRUE(ComputeSteeringLock(Steering(4.0f, 8.0f), s).lockDamping);
-    const SteeringLockResult past = ComputeSteeringLock(Steering(4.01f, 8.0f), s);
-    EXPECT_TRUE(past.pastLock);
-    EXPECT_LT(past.stopForce, 0);  // pushes a positive angle back
-}
-
-TEST(SteeringLock, LockDampingStartsThirtyDegreesShortOfTheLock) {
-    const EngineSettings s;
-    EXPECT_TRUE(ComputeSteeringLock(Steering(-3.5f, 8.0f), s).lockDamping);
-    EXPECT_FALSE(ComputeSteeringLock(Steering(-3.4f, 8.0f), s).lockDamping);
-    EXPECT_FALSE(ComputeSteeringLock(Steering(-3.5f, 8.0f), s).pastLock);
-}
-
-TEST(SteeringLock, StopForceBlendsFromTheSimTorqueToFullOverFifteenDegrees) {
-    const EngineSettings s;  // strength 50: 20 Nm is 5000 units
-    const SteeringLockResult half = ComputeSteeringLock(Steering(-(4.0f + 0.1309f), 8.0f, 20.0f), s);
-    EXPECT_NEAR(half.stopForce, 5000 * 0.5 + 10000 * 0.5, 2);
-    EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f, 20.0f), s).stopForce, -9996);
-    EXPECT_EQ(ComputeSteeringLock(Steering(-5.0f, 8.0f, -20.0f), s).stopForce, 9996);
-    EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f, 20.0f), WithStrength(0)).stopForce, -9996);  // in full
-}
-
-// Reported locks of 16 rad or more have no stop; a zero lock puts any non-zero angle outside.
-TEST(SteeringLock, EdgesOfTheReportedLock) {
-    const SteeringLockResult wide = ComputeSteeringLock(Steering(30.0f, 16.0f), EngineSettings{});
-    EXPECT_FALSE(wide.pastLock);
-    EXPECT_FALSE(wide.lockDamping);
-    EXPECT_TRUE(ComputeSteeringLock(Steering(30.0f, 15.99f), EngineSettings{}).pastLock);
-    const SteeringLockResult zero = ComputeSteeringLock(Steering(0.01f, 0.0f), EngineSettings{});
-    EXPECT_TRUE(zero.pastLock);
-    EXPECT_NEAR(zero.stopForce, -(0.01 / 0.2618) * 10000.0, 2.0);
-    EXPECT_FALSE(ComputeSteeringLock(Steering(0.0f, 0.0f), EngineSettings{}).pastLock);
+// Lock damping from 30 degrees short of half the reported lock; strictly past it a stop force that blends
+// from the sim's torque to full scale over 15 degrees, against the angle. A reported half-lock of 8 rad or
+// more has no stop; a zero lock puts any non-zero angle outside. Strength 50: 20 Nm is 5000 units.
+TEST(SteeringLock, DampingNearTheLockAndAStopForcePastIt) {
+    const struct {
+        float angle, angleMax, torque;
+        int32_t strength;
+        bool lockDamping, pastLock;
+        int32_t stopForce;
+    } cases[] = {
+        {-3.4f, 8.0f, 0.0f, 50, false, false, 0},     {-3.5f, 8.0f, 0.0f, 50, true, false, 0},
+        {4.0f, 8.0f, 0.0f, 50, true, false, 0},       {4.01f, 8.0f, 0.0f, 50, true, true, -381},
+        {-4.1309f, 8.0f, 20.0f, 50, true, true, 7499}, {5.0f, 8.0f, 20.0f, 50, true, true, -9996},
+        {-5.0f, 8.0f, -20.0f, 50, true, true, 9996},  {5.0f, 8.0f, 20.0f, 0, true, true, -9996},
+        {30.0f, 16.0f, 0.0f, 50, false, false, 0},    {30.0f, 15.99f, 0.0f, 50, true, true, -9996},
+        {0.01f, 0.0f, 0.0f, 50, true, true, -381},    {0.0f, 0.0f, 0.0f, 50, true, false, 0},
+    };
+    for (const auto& c : cases) {
+        EngineSettings s;
+        s.ForceStrength = c.strength;
+        TelemetryFrame frame;
+        frame.steeringWheelAngle = c.angle;
+        frame.steeringWheelAngleMax = c.angleMax;
+        frame.steeringWheelTorque = c.torque;
+        const SteeringLockResult r = ComputeSteeringLock(frame, s);
+        SCOPED_TRACE(testing::Message() << c.angle << " of " << c.angleMax);
+        EXPECT_EQ(r.lockDamping, c.lockDamping);
+        EXPECT_EQ(r.pastLock, c.pastLock);
+        if (c.pastLock) EXPECT_NEAR(r.stopForce, c.stopForce, 2);
+    }
 }
 
 TEST(SteeringLock, HandsOverDampingClampedToAPercentage) {
-    EngineSettings s;
-    s.Damping = 150;
-    EXPECT_EQ(ComputeSteeringLock(Steering(0.0f, 8.0f), s).dampingPercent, 100);
-    s.Damping = -5;
-    EXPECT_EQ(ComputeSteeringLock(Steering(0.0f, 8.0f), s).dampingPercent, 0);
-    s.Damping = 37;
-    EXPECT_EQ(ComputeSteeringLock(Steering(5.0f, 8.0f), s).dampingPercent, 37);
+    for (const auto& [damping, percent] : {std::pair{150, 100}, std::pair{-5, 0}, std::pair{37, 37}}) {
+        EngineSettings s;
+        s.Damping = damping;
+        TelemetryFrame past;
+        past.steeringWheelAngle = 5.0f;
+        past.steeringWheelAngleMax = 8.0f;
+        EXPECT_EQ(ComputeSteeringLock(past, s).dampingPercent, percent);
+        EXPECT_EQ(ComputeSteeringLock(TelemetryFrame{}, s).dampingPercent, percent);
+    }
 }
 
 }  // namespace
