@@ -39,10 +39,6 @@ std::vector<int32_t> Values(const std::vector<StoredForce>& stores, int32_t Stor
     return values;
 }
 
-std::vector<int32_t> Indices(const std::vector<StoredForce>& stores) {
-    return Values(stores, &StoredForce::outputIndex);
-}
-
 // Output k of a burst is held back to t0 + k × spacing; the non-interpolated mode sleeps 2000 µs first.
 void ExpectPacedAt(const std::vector<StoredForce>& stores, int32_t sleepMicroseconds, int32_t spacingMicroseconds) {
     const std::vector<test::RequestedWait> waits = ForceLog::TakeWaits();
@@ -128,7 +124,6 @@ TEST_F(EngineThread, WalksFromSearchingThroughConnectingToOnTrack) {
     ASSERT_TRUE(sim.Sync());
     const std::vector<StoredForce> stores = ForceLog::Take();
     EXPECT_EQ(Values(stores), (std::vector<int32_t>{250, 500, 750, 1000, 1250, 1500}));
-    EXPECT_EQ(Indices(stores), (std::vector<int32_t>{0, 1, 2, 3, 4, 5}));
     ExpectPacedAt(stores, 2000, 2760);
     status = engine.CopyStatus();
     EXPECT_TRUE(status.onTrack);
@@ -136,22 +131,11 @@ TEST_F(EngineThread, WalksFromSearchingThroughConnectingToOnTrack) {
     EXPECT_TRUE(Wheel().outputEnabled.load());
     EXPECT_EQ(Wheel().commandedForce.load(), 1500);
 
-    // A repeated tick moves nothing and counts in no statistic.
-    ASSERT_TRUE(sim.RepeatFrame());
-    ASSERT_TRUE(sim.Sync());
-    EXPECT_EQ(ForceLog::Size(), 0u);
-    EXPECT_EQ(Wheel().commandedForce.load(), 1500);
-
     // Leaving the track publishes the stint and silences the wheel.
     ASSERT_TRUE(sim.PublishFrame(OffTrackFrame()));
     ASSERT_TRUE(sim.Sync());
     status = engine.CopyStatus();
-    EXPECT_EQ(status.outputReportCount, 1u);
     EXPECT_EQ(status.outputReportSamples, 6u);
-    EXPECT_EQ(status.outputReportNonZero, 6u);
-    EXPECT_EQ(status.outputReportPeak, 1500);
-    EXPECT_EQ(status.clipReportCount, 1u);
-    EXPECT_EQ(status.clippedPercent, 0.0f);
     EXPECT_EQ(status.onTrackChangeCount, 2u);
     EXPECT_EQ(Wheel().commandedForce.load(), 0);
     EXPECT_FALSE(Wheel().outputEnabled.load());
@@ -168,7 +152,7 @@ TEST_F(EngineThread, InterpolatedModeStartsHalfWayFromZeroAfterAReset) {
     // Twelve outputs: halfway points between sub-samples, the first halfway from the zero of the reset.
     EXPECT_EQ(Values(stores), (std::vector<int32_t>{500, 1000, 1500, 2000, 2500, 3000, 3500, 4000, 4500, 5000,
                                                     5500, 6000}));
-    EXPECT_EQ(Indices(stores), (std::vector<int32_t>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
+    EXPECT_EQ(Values(stores, &StoredForce::outputIndex), (std::vector<int32_t>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
     ExpectPacedAt(stores, 0, 1380);
 
     // The next tick starts halfway from the last sub-sample of this one.
@@ -295,7 +279,7 @@ TEST_F(EngineThread, StopDuringABurstStillEmitsTheLastOutput) {
         RecordingPlatform::holdInWait.store(false);
         engine.Stop();
         const std::vector<StoredForce> stores = ForceLog::Take();
-        EXPECT_EQ(Indices(stores), c.indices);
+        EXPECT_EQ(Values(stores, &StoredForce::outputIndex), c.indices);
         EXPECT_EQ(stores.back().value, 6000);
         std::vector<int32_t> offsets;
         for (const test::RequestedWait& wait : ForceLog::TakeWaits()) offsets.push_back(wait.offsetMicroseconds);
