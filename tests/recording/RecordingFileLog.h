@@ -1,7 +1,6 @@
 #pragma once
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <cstring>
 #include <mutex>
@@ -95,20 +94,10 @@ private:
 
 // Holds the writer thread back at its start until the test opens the gate.
 struct WriterGate {
-    static inline std::mutex lock;
-    static inline std::condition_variable changed;
-    static inline bool open = true;
-
-    static void Set(bool isOpen) {
-        {
-            std::lock_guard guard(lock);
-            open = isOpen;
-        }
-        changed.notify_all();
-    }
+    static inline std::atomic<bool> open{true};
+    static void Set(bool isOpen) { open.store(isOpen); }
     static void Pass() {
-        std::unique_lock guard(lock);
-        changed.wait(guard, [] { return open; });
+        while (!open.load()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 };
 
