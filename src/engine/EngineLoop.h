@@ -34,8 +34,8 @@ constexpr float kSuppressionNewtonMetres = 10000.0f;        // a maximum no whee
 constexpr int32_t kRestoreMaxForce = 2621440;               // 40 Nm × 65536, the simulator's own maximum
 constexpr int64_t kStallNanoseconds = 1000000000;           // on track this long without a new frame: release
 
-// Native force suppression: the simulator's maximum force as 16.16 newton metres. A wheelbase that scales by
-// the simulator's maximum gets the engine's own full scale instead.
+// Native force suppression: the simulator's maximum force as 16.16 newton metres; in SimucubeMode the
+// engine's own full-scale torque.
 inline int32_t SuppressionValue(const EngineSettings& settings) {
     const float newtonMetres = settings.SimucubeMode ? FullScaleTorque(settings) : kSuppressionNewtonMetres;
     return static_cast<int32_t>(newtonMetres * kForceFixedPointOne);
