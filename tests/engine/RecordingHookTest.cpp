@@ -96,11 +96,13 @@ TEST(RecordTick, PushesOneSampleTimedFromTheStartWhileRecordingAndNothingOtherwi
     in.seekg(380);
     std::vector<RecordingSample> records(3);
     in.read(reinterpret_cast<char*>(records.data()), 3 * sizeof(RecordingSample));
-    ASSERT_EQ(in.gcount(), static_cast<std::streamsize>(2 * sizeof(RecordingSample)));
+    const std::streamsize read = in.gcount();
+    in.close();
+    std::filesystem::remove(path);
+    ASSERT_EQ(read, static_cast<std::streamsize>(2 * sizeof(RecordingSample)));
     EXPECT_EQ(records[0].tickCount, 1);
     EXPECT_EQ(records[0].timeMicroseconds, 16666u);
     EXPECT_EQ(records[1].timeMicroseconds, 33333u);
-    std::filesystem::remove(path);
 }
 
 TEST(BeginRecording, RefusesUnlessRunningConnectedAndOnTrackAndTouchesNoFile) {
