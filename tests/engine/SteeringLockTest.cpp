@@ -33,7 +33,9 @@ TEST(SteeringLock, DampingNearTheLockAndAStopForcePastIt) {
         SCOPED_TRACE(testing::Message() << c.angle << " of " << c.angleMax);
         EXPECT_EQ(r.lockDamping, c.lockDamping);
         EXPECT_EQ(r.pastLock, c.pastLock);
-        if (c.pastLock) EXPECT_NEAR(r.stopForce, c.stopForce, 2);
+        if (c.pastLock) {
+            EXPECT_NEAR(r.stopForce, c.stopForce, 2);
+        }
     }
 }
 
