@@ -112,7 +112,7 @@ void TextureRows(const RecordingHeader& header, const Analysis& analysis, std::v
 }
 
 AdviceRow CoefficientRow(AdviceKey key, const char* label, double now, bool fitted, double fitValue,
-                         const std::string& refusal, double deadBand, double step, const Recording& recording,
+                         const std::string& refusal, double deadBand, double stepsPerUnit, const Recording& recording,
                          const CoefficientFit& fit) {
     AdviceRow row = Row(key, label, now);
     if (!NamesACar(HeaderText(recording.header.carPath))) {
@@ -123,7 +123,7 @@ AdviceRow CoefficientRow(AdviceKey key, const char* label, double now, bool fitt
         row.reason = "not fitted: " + refusal;
         return row;
     }
-    const double proposed = std::round(fitValue / step) * step;
+    const double proposed = std::round(fitValue * stepsPerUnit) / stepsPerUnit;
     const std::string measured = "fit over " + std::to_string(fit.samples) + " records with grip gives " +
                                  FormatAdviceValue(key, proposed) + Text(" (R² %.2f)", fit.rSquared);
     if (std::fabs(proposed - now) < deadBand) {
@@ -159,7 +159,7 @@ Advice BuildAdvice(const Recording& recording, const Analysis& analysis) {
     TextureRows(header, analysis, advice.rows);
     advice.rows.push_back(CoefficientRow(AdviceKey::YawRateMultiplier, "Steering build-up", header.YawRateMultiplier,
                                          fit.yawFitted, fit.yawRateMultiplier, fit.yawRefusal,
-                                         kYawRateMultiplierDeadBand, 0.1, recording, fit));
+                                         kYawRateMultiplierDeadBand, 10.0, recording, fit));
     advice.rows.push_back(CoefficientRow(AdviceKey::LateralAccelDivisor, "Cornering load balance",
                                          header.LateralAccelDivisor, fit.lateralFitted, fit.lateralAccelDivisor,
                                          fit.lateralRefusal, kLateralAccelDivisorDeadBand, 1.0, recording, fit));
