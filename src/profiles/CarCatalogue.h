@@ -20,4 +20,6 @@ bool EqualsFoldingAscii(std::wstring_view a, std::wstring_view b);
 // The catalogue row for a car path, or null when no row matches.
 const CarCatalogueRow* FindCatalogueRow(std::wstring_view carPath);
 
+inline bool IsCatalogueCar(std::wstring_view carPath) { return FindCatalogueRow(carPath) != nullptr; }
+
 }  // namespace veltor

@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace veltor {
 
@@ -24,6 +25,10 @@ struct CarCoefficients {
 
     CarRow Row() const {
         return {YawRateMultiplier, YawSteerGain, LateralAccelDivisor, ResistanceGain, SteerMarginBias};
+    }
+    static CarCoefficients FromRow(std::wstring carPath, const CarRow& row) {
+        return {std::move(carPath), row.YawRateMultiplier, row.YawSteerGain, row.LateralAccelDivisor,
+                row.ResistanceGain, row.SteerMarginBias};
     }
 };
 

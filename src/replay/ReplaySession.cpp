@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 
+#include "engine/EngineLoop.h"
 #include "engine/FfbEngine.h"
 #include "recording/RecordingHeader.h"
 #include "recording/WideToUtf8.h"

@@ -1,0 +1,115 @@
+#pragma once
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/CheckboxControl.h"
+#include "app/GdiplusFlat.h"
+#include "app/SliderControl.h"
+#include "engine/FfbEngine.h"
+#include "wheel/WheelDevice.h"
+
+namespace veltor {
+
+inline constexpr wchar_t kSingleInstanceMutex[] = L"Local\\Veltor.Commercial.SingleInstance";
+// dwData of the hand-off: "QKVT" as it stands in memory, first letter in the lowest byte.
+inline constexpr ULONG_PTR kHandOffTag = 'Q' | 'K' << 8 | 'V' << 16 | static_cast<ULONG_PTR>('T') << 24;
+inline constexpr wchar_t kDonationPageUrl[] = L"https://donate.gripline.invalid/";
+inline constexpr UINT_PTR kStatusTimerId = 1;
+inline constexpr UINT kStatusTimerMilliseconds = 250;
+
+// Everything the process owns, by value: the window and its resources, the settings, the wheels and the
+// engine. One automatic object of the entry routine; the GUI thread alone touches it, except for what
+// FfbEngine shares with its own threads.
+class App {
+public:
+    App() = default;
+    App(const App&) = delete;
+    App& operator=(const App&) = delete;
+
+    // Start-up and the message loop (AppRun_win32.cpp).
+    int AppRun(HINSTANCE instance, int showCommand, const std::wstring& advicePath);
+
+    // The window and its controls (MainWindow_win32.cpp).
+    bool CreateMainWindow(int showCommand);
+    void CreateControls();
+    void CreateSliderRow(int32_t id, const wchar_t* name, int32_t x, int32_t y, int32_t minimum, int32_t maximum,
+                         int32_t value);
+    CheckboxRow* CreateCheckboxRow(int32_t id, const wchar_t* label, int32_t y, bool checked);
+    void FormatSliderValue(int32_t id, int32_t value);
+    void AppendLog(const std::wstring& text);
+    SliderRow* FindSliderRow(int32_t id);
+
+    // Painting and theme (Painting_win32.cpp).
+    void CreateBrushesAndFonts();
+    void PaintBackground(HDC dc);
+    void PaintForeground(HDC dc);
+    void SetStatusTexts(const std::wstring& first, const std::wstring& second, const std::wstring& third);
+
+    // The main window's procedure and its teardown (WindowProcedure_win32.cpp).
+    LRESULT WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void Teardown();
+
+    // What the window does with commands, the timer, the custom controls and a hand-off
+    // (CommandHandlers_win32.cpp).
+    LRESULT OnCommand(WPARAM wParam, LPARAM lParam);
+    void OnTimer();
+    void OnSlider(HWND slider, int32_t value);
+    void OnCheckbox(int32_t id);
+    void ReceiveAdvicePath(const std::wstring& path);
+
+    HINSTANCE Instance = nullptr;
+    HWND Window = nullptr;
+    HWND DeviceCombo = nullptr;
+    HWND OutputModeCombo = nullptr;
+    HWND ProfileCombo = nullptr;
+    HWND StartButton = nullptr;
+    HWND StopButton = nullptr;
+    HWND NewButton = nullptr;
+    HWND SaveButton = nullptr;
+    HWND CarLabel = nullptr;
+    HWND ViewLogButton = nullptr;
+    CheckboxRow* CarSpecificCheck = nullptr;
+    CheckboxRow* ParkedCheck = nullptr;
+    CheckboxRow* StartMinimizedCheck = nullptr;
+    CheckboxRow* RunOnStartupCheck = nullptr;
+    CheckboxRow* SimucubeCheck = nullptr;
+    CheckboxRow* DebugLoggingCheck = nullptr;
+    HWND RecordButton = nullptr;
+    HWND StopRecButton = nullptr;
+    HWND AnalyzerButton = nullptr;
+    HWND UpdateButton = nullptr;
+    HWND DonateButton = nullptr;
+    HWND TorqueEdit = nullptr;
+    HWND LogEdit = nullptr;
+    HWND LogWindow = nullptr;
+    std::wstring LastRecordingPath;
+    std::wstring ConnectionText = L"iRacing disconnected";
+    std::wstring TrackText = L"Not on track";
+    std::wstring CarText = L"Car: generic";
+    uint32_t LastClipStamp = 0;
+    uint32_t LastDeviceErrorStamp = 0;
+    uint32_t LastTrackStamp = 0;
+    uint32_t LastReportStamp = 0;
+    HFONT BodyFont = nullptr;
+    HFONT TitleFont = nullptr;
+    HFONT SectionFont = nullptr;
+    HFONT MonoFont = nullptr;
+    HBRUSH WindowBrush = nullptr;
+    HBRUSH PanelBrush = nullptr;
+    HBRUSH HeaderBrush = nullptr;
+    HBRUSH FieldBrush = nullptr;
+    HBRUSH AccentBrush = nullptr;
+    HICON AppIcon = nullptr;
+    ULONG_PTR GdiplusToken = 0;
+    Gdiplus::GpBitmap* LogoBitmap = nullptr;  // reads from LogoStream for as long as it lives
+    IStream* LogoStream = nullptr;
+    std::vector<SliderRow> SliderRows;  // never reallocated: the controls point into them
+    std::vector<CheckboxRow> CheckboxRows;
+    std::vector<WheelDevice> Devices;  // an entry's position is its position in DeviceCombo
+    FfbEngine Engine;
+};
+
+}  // namespace veltor

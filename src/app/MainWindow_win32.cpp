@@ -1,0 +1,197 @@
+#include "app/App.h"
+
+#include <dwmapi.h>
+
+#include <string>
+
+#include "app/ControlCatalogue.h"
+#include "app/SliderValueText.h"
+#include "app/Theme.h"
+#include "app/TorqueField.h"
+
+namespace veltor {
+namespace {
+
+// Attribute numbers that older SDK headers don't name.
+constexpr DWORD kDwmUseDarkMode = 20;
+constexpr DWORD kDwmCaptionColour = 35;
+constexpr DWORD kDwmCaptionTextColour = 36;
+
+// The lists must not move their elements once a control points into them.
+constexpr size_t kSliderRowCapacity = 24;
+constexpr size_t kCheckboxRowCapacity = 6;
+
+constexpr size_t kLogLineChars = 512;
+
+HWND CreateChild(const App& app, ControlKind kind, int32_t id, const wchar_t* text, ControlRect rect,
+                 void* createParameter = nullptr) {
+    return CreateWindowExW(ControlExStyle(kind), ControlClassName(kind).data(), text, ControlStyle(kind), rect.X,
+                           rect.Y, rect.Width, rect.Height, app.Window,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), app.Instance, createParameter);
+}
+
+void SetFont(HWND control, HFONT font) {
+    if (control != nullptr && font != nullptr) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
+// The App field that keeps a standard control's handle, by its id; null for controls App doesn't name.
+HWND* HandleField(App& app, int32_t id) {
+    switch (id) {
+        case 1000: return &app.DeviceCombo;
+        case 1001: return &app.StartButton;
+        case 1002: return &app.StopButton;
+        case 1003: return &app.OutputModeCombo;
+        case 1008: return &app.ProfileCombo;
+        case 1009: return &app.NewButton;
+        case 1010: return &app.SaveButton;
+        case 1123: return &app.ViewLogButton;
+        case 1124: return &app.RecordButton;
+        case 1125: return &app.StopRecButton;
+        case 1126: return &app.AnalyzerButton;
+        case 1127: return &app.UpdateButton;
+        case 1130: return &app.DonateButton;
+        case 1131: return &app.TorqueEdit;
+        default: return nullptr;
+    }
+}
+
+CheckboxRow** CheckboxField(App& app, int32_t id) {
+    switch (id) {
+        case 1004: return &app.CarSpecificCheck;
+        case 1005: return &app.ParkedCheck;
+        case 1006: return &app.StartMinimizedCheck;
+        case 1007: return &app.RunOnStartupCheck;
+        case 1011: return &app.SimucubeCheck;
+        case 1012: return &app.DebugLoggingCheck;
+        default: return nullptr;
+    }
+}
+
+HFONT FontFor(const App& app, ControlFont font) {
+    switch (font) {
+        case ControlFont::Body: return app.BodyFont;
+        case ControlFont::Section: return app.SectionFont;
+        case ControlFont::Mono: return app.MonoFont;
+        case ControlFont::None: return nullptr;
+    }
+    return nullptr;
+}
+
+void AppendTo(HWND edit, const wchar_t* line) {
+    if (edit == nullptr || !IsWindow(edit)) return;
+    const int end = GetWindowTextLengthW(edit);
+    SendMessageW(edit, EM_SETSEL, end, end);
+    SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(line));
+    SendMessageW(edit, EM_SCROLLCARET, 0, 0);
+}
+
+}  // namespace
+
+bool App::CreateMainWindow(int showCommand) {
+    Window = CreateWindowExW(0, kMainWindowClass, MainWindowTitle().c_str(), kMainWindowStyle, CW_USEDEFAULT,
+                             CW_USEDEFAULT, kMainWindowWidth, kMainWindowHeight, nullptr, nullptr, Instance, this);
+    if (Window == nullptr) return false;
+    if (AppIcon != nullptr) {
+        SendMessageW(Window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(AppIcon));
+        SendMessageW(Window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(AppIcon));
+    }
+    const BOOL darkMode = TRUE;
+    const COLORREF caption = kWindowColour;
+    const COLORREF captionText = kPrimaryTextColour;
+    DwmSetWindowAttribute(Window, kDwmUseDarkMode, &darkMode, sizeof darkMode);
+    DwmSetWindowAttribute(Window, kDwmCaptionColour, &caption, sizeof caption);
+    DwmSetWindowAttribute(Window, kDwmCaptionTextColour, &captionText, sizeof captionText);
+    SliderRows.reserve(kSliderRowCapacity);
+    CheckboxRows.reserve(kCheckboxRowCapacity);
+    CreateControls();
+    ShowWindow(Window, showCommand);
+    UpdateWindow(Window);
+    return true;
+}
+
+void App::CreateControls() {
+    // The engine's record is the only settings record until the profile store is part of App.
+    const EngineSettings settings = Engine.CopySettings();
+    for (const CatalogueEntry& entry : ControlCatalogue()) {
+        const std::wstring text(entry.Text);
+        if (entry.Kind == ControlKind::Slider) {
+            const int32_t value = entry.SliderField != nullptr ? settings.*entry.SliderField : entry.CreatedWith;
+            CreateSliderRow(entry.Id, text.c_str(), entry.Rect.X, entry.Rect.Y, entry.Minimum, entry.Maximum, value);
+        } else if (entry.Kind == ControlKind::Checkbox) {
+            CheckboxRow* row = CreateCheckboxRow(entry.Id, text.c_str(), entry.Rect.Y, settings.*entry.CheckField);
+            if (CheckboxRow** field = CheckboxField(*this, entry.Id)) *field = row;
+        } else {
+            HWND control = CreateChild(*this, entry.Kind, entry.Id, text.c_str(), entry.Rect);
+            SetFont(control, FontFor(*this, entry.Font));
+            if (HWND* field = HandleField(*this, entry.Id)) *field = control;
+            if (entry.Kind == ControlKind::LogPanel) LogEdit = control;
+            if (entry.Kind == ControlKind::CarLabel) CarLabel = control;
+        }
+        switch (entry.Setup) {
+            case ControlSetup::None:
+            case ControlSetup::FillProfiles:
+            case ControlSetup::ShowCarPanel: break;
+            case ControlSetup::Disable: EnableWindow(GetDlgItem(Window, entry.Id), FALSE); break;
+            case ControlSetup::FillOutputModes:
+                for (std::wstring_view line : kOutputModeLines) {
+                    SendMessageW(OutputModeCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(std::wstring(line).c_str()));
+                }
+                SendMessageW(OutputModeCombo, CB_SETCURSEL, 0, 0);
+                break;
+            case ControlSetup::FillTorque:
+                SendMessageW(TorqueEdit, EM_SETLIMITTEXT, 6, 0);
+                SetWindowTextW(TorqueEdit, TorqueFieldText(settings.WheelbaseMaxTorqueTenths).c_str());
+                break;
+        }
+    }
+    SetStatusTexts(L"iRacing disconnected", L"Not on track", L"Car: generic");
+}
+
+void App::CreateSliderRow(int32_t id, const wchar_t* name, int32_t x, int32_t y, int32_t minimum, int32_t maximum,
+                          int32_t value) {
+    const ControlRect origin{x, y, 0, 0};
+    SetFont(CreateChild(*this, ControlKind::Label, 0, name, SliderNameRect(origin)), BodyFont);
+    HWND valueLabel = CreateChild(*this, ControlKind::ValueText, 0, L"", SliderValueRect(origin));
+    SetFont(valueLabel, BodyFont);
+    SliderRow& row = SliderRows.emplace_back();
+    row.ValueLabel = valueLabel;
+    row.Minimum = minimum;
+    row.Maximum = maximum;
+    row.Value = value;  // as given: a stored value beyond the range shows until the slider moves
+    row.Control = CreateChild(*this, ControlKind::Slider, id, L"", SliderControlRect(origin), &row);
+    FormatSliderValue(id, value);
+}
+
+CheckboxRow* App::CreateCheckboxRow(int32_t id, const wchar_t* label, int32_t y, bool checked) {
+    CheckboxRow& row = CheckboxRows.emplace_back();
+    row.Id = id;
+    row.Checked = checked;
+    row.Label = label;
+    row.Control = CreateChild(*this, ControlKind::Checkbox, id, L"", {48, y, 250, 24}, &row);
+    SetFont(row.Control, BodyFont);
+    return &row;
+}
+
+SliderRow* App::FindSliderRow(int32_t id) {
+    for (SliderRow& row : SliderRows) {
+        if (row.Control != nullptr && GetDlgCtrlID(row.Control) == id) return &row;
+    }
+    return nullptr;
+}
+
+void App::FormatSliderValue(int32_t id, int32_t value) {
+    if (SliderRow* row = FindSliderRow(id)) SetWindowTextW(row->ValueLabel, SliderValueText(id, value).c_str());
+}
+
+void App::AppendLog(const std::wstring& text) {
+    // A line that does not fit loses its end but keeps its line break.
+    wchar_t line[kLogLineChars];
+    const size_t kept = text.copy(line, kLogLineChars - 3);
+    line[kept] = L'\r';
+    line[kept + 1] = L'\n';
+    line[kept + 2] = L'\0';
+    AppendTo(LogEdit, line);
+    AppendTo(LogWindow, line);
+}
+
+}  // namespace veltor

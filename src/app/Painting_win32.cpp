@@ -1,0 +1,139 @@
+#include <array>
+#include <string_view>
+
+#include "app/App.h"
+#include "app/Theme.h"
+
+namespace veltor {
+namespace {
+
+constexpr int32_t kStatusStripHeight = 28;
+constexpr int32_t kStatusTextOffset = 22;  // the texts' line, up from the bottom
+
+struct Panel {
+    RECT Rect;
+    HBRUSH App::*Brush;
+};
+
+constexpr std::array<Panel, 6> kPanels{{
+    {{24, 20, 1576, 122}, &App::HeaderBrush},    // header band
+    {{24, 138, 326, 654}, &App::PanelBrush},     // control deck
+    {{344, 138, 936, 654}, &App::PanelBrush},    // tuning matrix
+    {{954, 138, 1256, 610}, &App::PanelBrush},   // crash protection
+    {{1274, 138, 1576, 610}, &App::PanelBrush},  // car-specific feel
+    {{24, 666, 1576, 790}, &App::HeaderBrush},   // session log band
+}};
+
+constexpr std::array<RECT, 6> kAccentBars{{
+    {24, 120, 1576, 122},  // foot of the header band
+    {48, 160, 298, 164},
+    {374, 160, 918, 164},
+    {978, 160, 1228, 164},
+    {1298, 160, 1548, 164},
+    {48, 690, 1548, 694},  // over the session log
+}};
+
+struct PaintedText {
+    std::wstring_view Text;
+    int32_t X;
+    int32_t Y;
+    HFONT App::*Font;
+    COLORREF Colour;
+};
+
+constexpr std::array<PaintedText, 7> kTexts{{
+    {L"Gripline", 146, 38, &App::TitleFont, kPrimaryTextColour},
+    {L"iRacing force feedback, but better...", 150, 78, &App::BodyFont, kTaglineTextColour},
+    {L"CONTROL DECK", 48, 168, &App::SectionFont, kAccentColour},
+    {L"TUNING MATRIX", 374, 168, &App::SectionFont, kAccentColour},
+    {L"CRASH PROTECTION", 978, 168, &App::SectionFont, kAccentColour},
+    {L"CAR-SPECIFIC FEEL", 1298, 168, &App::SectionFont, kAccentColour},
+    {L"SESSION LOG", 48, 698, &App::SectionFont, kAccentColour},
+}};
+
+HFONT MakeFont(int32_t height, int32_t weight, DWORD pitchAndFamily, const wchar_t* face) {
+    return CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                       CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, pitchAndFamily, face);
+}
+
+void PaintStatusStrip(const App& app, HDC dc, const RECT& client) {
+    const RECT strip{0, client.bottom - kStatusStripHeight, client.right, client.bottom};
+    const RECT rule{0, client.bottom - kStatusStripHeight, client.right, client.bottom - kStatusStripHeight + 1};
+    FillRect(dc, &strip, app.HeaderBrush);
+    FillRect(dc, &rule, app.AccentBrush);
+}
+
+void PaintText(HDC dc, std::wstring_view text, int32_t x, int32_t y, HFONT font, COLORREF colour) {
+    HGDIOBJ old = SelectObject(dc, font);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, colour);
+    TextOutW(dc, x, y, text.data(), static_cast<int>(text.size()));
+    SelectObject(dc, old);
+}
+
+}  // namespace
+
+void App::CreateBrushesAndFonts() {
+    WindowBrush = CreateSolidBrush(kWindowColour);
+    PanelBrush = CreateSolidBrush(kPanelColour);
+    HeaderBrush = CreateSolidBrush(kHeaderColour);
+    FieldBrush = CreateSolidBrush(kFieldColour);
+    AccentBrush = CreateSolidBrush(kAccentColour);
+    BodyFont = MakeFont(-15, 400, 0, L"Segoe UI");
+    TitleFont = MakeFont(-34, 700, 0, L"Segoe UI");
+    SectionFont = MakeFont(-13, 600, 0, L"Segoe UI");
+    MonoFont = MakeFont(-14, 400, FIXED_PITCH, L"Cascadia Mono");
+}
+
+void App::PaintBackground(HDC dc) {
+    RECT client;
+    GetClientRect(Window, &client);
+    FillRect(dc, &client, WindowBrush);
+    PaintStatusStrip(*this, dc, client);
+    for (const Panel& panel : kPanels) {
+        HPEN border = CreatePen(PS_SOLID, 1, kPanelBorderColour);
+        HGDIOBJ oldPen = SelectObject(dc, border);
+        HGDIOBJ oldBrush = SelectObject(dc, this->*panel.Brush);
+        RoundRect(dc, panel.Rect.left, panel.Rect.top, panel.Rect.right, panel.Rect.bottom, 10, 10);
+        SelectObject(dc, oldBrush);
+        SelectObject(dc, oldPen);
+        DeleteObject(border);
+    }
+    for (const RECT& bar : kAccentBars) FillRect(dc, &bar, AccentBrush);
+}
+
+void App::PaintForeground(HDC dc) {
+    if (LogoBitmap != nullptr) {
+        Gdiplus::GpGraphics* graphics = nullptr;
+        if (Gdiplus::DllExports::GdipCreateFromHDC(dc, &graphics) == Gdiplus::Ok) {
+            Gdiplus::DllExports::GdipSetInterpolationMode(graphics, Gdiplus::InterpolationModeHighQualityBicubic);
+            Gdiplus::DllExports::GdipDrawImageRectI(graphics, LogoBitmap, 44, 30, 84, 84);
+            Gdiplus::DllExports::GdipDeleteGraphics(graphics);
+        }
+    } else if (AppIcon != nullptr) {
+        DrawIconEx(dc, 50, 44, AppIcon, 48, 48, 0, nullptr, DI_NORMAL);
+    }
+    for (const PaintedText& text : kTexts) PaintText(dc, text.Text, text.X, text.Y, this->*text.Font, text.Colour);
+
+    // The strip is invalidated without erase, so it is filled again here under the new texts.
+    RECT client;
+    GetClientRect(Window, &client);
+    PaintStatusStrip(*this, dc, client);
+    const int32_t y = client.bottom - kStatusTextOffset;
+    PaintText(dc, ConnectionText, 12, y, BodyFont, kPrimaryTextColour);
+    PaintText(dc, TrackText, 260, y, BodyFont, kTrackTextColour);
+    PaintText(dc, CarText, 450, y, BodyFont, kPrimaryTextColour);
+}
+
+void App::SetStatusTexts(const std::wstring& first, const std::wstring& second, const std::wstring& third) {
+    ConnectionText = first;
+    TrackText = second;
+    CarText = third;
+    if (Window == nullptr) return;
+    RECT strip;
+    GetClientRect(Window, &strip);
+    strip.top = strip.bottom - kStatusStripHeight;
+    InvalidateRect(Window, &strip, FALSE);
+}
+
+}  // namespace veltor

@@ -1,0 +1,101 @@
+#include <string>
+
+#include "app/App.h"
+#include "app/Theme.h"
+#include "app/WindowTrampoline.h"
+
+namespace veltor {
+namespace {
+
+template <class Handle>
+void DeleteGdiObject(Handle& handle) {
+    if (handle != nullptr) DeleteObject(handle);
+    handle = nullptr;
+}
+
+// The hand-off of a second instance: 1 when it was taken, 0 when it was ignored.
+LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
+    if (data == nullptr || data->dwData != kHandOffTag || data->lpData == nullptr || data->cbData < 2) return 0;
+    // The sender's terminator may be missing: read no further than cbData.
+    const auto* text = static_cast<const wchar_t*>(data->lpData);
+    std::wstring path(text, data->cbData / sizeof(wchar_t));
+    path.resize(path.find(L'\0') == std::wstring::npos ? path.size() : path.find(L'\0'));
+    app.ReceiveAdvicePath(path);
+    return 1;
+}
+
+LRESULT ColourField(const App& app, HDC dc) {
+    SetTextColor(dc, kPrimaryTextColour);
+    SetBkColor(dc, kFieldColour);
+    return reinterpret_cast<LRESULT>(app.FieldBrush);
+}
+
+LRESULT ColourLabel(const App& app, HDC dc) {
+    SetTextColor(dc, kPrimaryTextColour);
+    SetBkMode(dc, TRANSPARENT);
+    return reinterpret_cast<LRESULT>(app.PanelBrush);
+}
+
+}  // namespace
+
+LRESULT CALLBACK MainWindowTrampoline(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+    }
+    auto* app = reinterpret_cast<App*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (app == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    return app->WindowProcedure(window, message, wParam, lParam);
+}
+
+LRESULT App::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_DESTROY: Teardown(); return 0;
+        case WM_PAINT: {
+            PAINTSTRUCT paint;
+            HDC dc = BeginPaint(window, &paint);
+            PaintForeground(dc);
+            EndPaint(window, &paint);
+            return 0;
+        }
+        case WM_ERASEBKGND: PaintBackground(reinterpret_cast<HDC>(wParam)); return 1;
+        case WM_COPYDATA: return OnCopyData(*this, reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+        case WM_COMMAND: return OnCommand(wParam, lParam);
+        case WM_TIMER: OnTimer(); return 0;
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORLISTBOX: return ColourField(*this, reinterpret_cast<HDC>(wParam));
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLORSTATIC: return ColourLabel(*this, reinterpret_cast<HDC>(wParam));
+        case SliderValueChanged: OnSlider(reinterpret_cast<HWND>(lParam), static_cast<int32_t>(wParam)); return 0;
+        case CheckboxToggled: OnCheckbox(static_cast<int32_t>(wParam)); return 0;
+        default: return DefWindowProcW(window, message, wParam, lParam);
+    }
+}
+
+// The end of a run, in this order: the log window, the engine, the one save of the store, then GDI+ (the
+// bitmap before the stream it reads, both before the shutdown) and the window's GDI objects.
+void App::Teardown() {
+    if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
+    LogWindow = nullptr;
+    Engine.Stop();
+    if (LogoBitmap != nullptr) Gdiplus::DllExports::GdipDisposeImage(LogoBitmap);
+    LogoBitmap = nullptr;
+    if (LogoStream != nullptr) LogoStream->Release();
+    LogoStream = nullptr;
+    if (GdiplusToken != 0) Gdiplus::GdiplusShutdown(GdiplusToken);
+    GdiplusToken = 0;
+    if (AppIcon != nullptr) DestroyIcon(AppIcon);
+    AppIcon = nullptr;
+    DeleteGdiObject(MonoFont);
+    DeleteGdiObject(SectionFont);
+    DeleteGdiObject(TitleFont);
+    DeleteGdiObject(BodyFont);
+    DeleteGdiObject(AccentBrush);
+    DeleteGdiObject(FieldBrush);
+    DeleteGdiObject(HeaderBrush);
+    DeleteGdiObject(PanelBrush);
+    DeleteGdiObject(WindowBrush);
+    PostQuitMessage(0);
+}
+
+}  // namespace veltor

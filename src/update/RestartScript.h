@@ -1,0 +1,31 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace veltor {
+
+// The update files wait in the temporary folder under fixed names; a later run overwrites them.
+inline constexpr wchar_t kNewAppFileName[] = L"Veltor_Commercial.update.exe";
+inline constexpr wchar_t kNewAnalyzerFileName[] = L"Veltor_Commercial_Analyzer.update.exe";
+inline constexpr wchar_t kAnalyzerFileName[] = L"Veltor Commercial Analyzer.exe";
+
+inline constexpr wchar_t kScriptTempPathError[] = L"Could not resolve a temporary path for the updater.";
+inline constexpr wchar_t kScriptWriteError[] = L"Could not write the updater restart script.";
+inline constexpr wchar_t kScriptStartError[] = L"Could not start the updater restart script.";
+
+// The batch script that replaces the program and its analyzer once the program has ended: CR LF lines,
+// no byte order mark, the four paths as UTF-8.
+std::string RestartScriptText(std::string_view newApp, std::string_view app, std::string_view newAnalyzer,
+                              std::string_view analyzer);
+// "<temporary folder>Veltor-Commercial-Update-<tick>.cmd"; the folder ends in its backslash.
+std::wstring RestartScriptPath(std::wstring_view tempFolder, uint32_t tickCount);
+
+// Windows only. Writes the script for these four paths to the temporary folder and starts it hidden
+// through cmd.exe; `parentWindow` is the HWND that owns the start. On failure `error` holds the reason.
+bool WriteRestartScript(void* parentWindow, const std::wstring& newApp, const std::wstring& app,
+                        const std::wstring& newAnalyzer, const std::wstring& analyzer, std::wstring& error);
+// The analyzer's executable beside this program's.
+std::wstring AnalyzerExePath();
+
+}  // namespace veltor

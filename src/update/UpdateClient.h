@@ -1,0 +1,71 @@
+#pragma once
+#include <string>
+
+#include "update/HttpsGet.h"
+#include "update/Sha256.h"
+#include "update/UpdateManifest.h"
+#include "update/UpdatePath.h"
+#include "update/VersionText.h"
+#include "update/WriteBytes.h"
+
+namespace veltor {
+
+// The update server's host name, a build setting (VELTOR_UPDATE_HOST); always HTTPS on port 443.
+extern const wchar_t* const UpdateHost;
+inline constexpr wchar_t UpdateManifestPath[] = L"/uploads/veltor/commercial/latest.json";
+
+inline constexpr wchar_t kManifestInvalidError[] = L"the update manifest is invalid.";
+inline constexpr wchar_t kCurrentVersionInvalidError[] = L"the current app version is invalid.";
+inline constexpr wchar_t kDownloadMismatchError[] = L"the download does not match the manifest.";
+inline constexpr wchar_t kDownloadNotWrittenError[] = L"Could not write the downloaded file.";
+
+// Asks the update server for its manifest, tagged with the current version, and judges it. True when the
+// check itself worked; then `updateAvailable` tells whether the offer is strictly newer. `get` has the
+// shape of HttpsGet: the product passes HttpsGet, tests a server of their own.
+template <typename Get>
+bool FetchManifest(Get&& get, UpdateManifest& manifest, bool& updateAvailable, std::wstring& error) {
+    updateAvailable = false;
+    const HttpResult result = get(std::wstring(UpdateHost), AddVersionQuery(UpdateManifestPath, CurrentVersionText()));
+    if (!result.Ok) {
+        error = result.Error;
+        return false;
+    }
+    manifest = ParseManifest(std::string(result.Body.begin(), result.Body.end()));
+    if (!manifest.Valid) {
+        error = kManifestInvalidError;
+        return false;
+    }
+    VersionNumbers current{};
+    if (!ParseVersion(CurrentVersionText(), current)) {
+        error = kCurrentVersionInvalidError;
+        return false;
+    }
+    updateAvailable = IsNewerVersion(current, manifest.VersionParts);
+    return true;
+}
+
+inline bool FetchManifest(UpdateManifest& manifest, bool& updateAvailable, std::wstring& error) {
+    return FetchManifest(HttpsGet, manifest, updateAvailable, error);
+}
+
+// Downloads one update file from the update server to `target`. A hash from the manifest must match, or
+// nothing is written. On failure `error` holds the text that follows the stage's prefix in the log.
+template <typename Get>
+bool DownloadUpdateFile(Get&& get, const std::wstring& pathAndQuery, const std::wstring& expectedSha256,
+                        const std::wstring& target, std::wstring& error) {
+    const HttpResult result = get(std::wstring(UpdateHost), pathAndQuery);
+    if (result.Ok && !MatchesSha256(result.Body, expectedSha256)) {
+        error = kDownloadMismatchError;
+        return false;
+    }
+    if (result.Ok && WriteBytes(target, result.Body)) return true;
+    error = result.Error.empty() ? std::wstring(kDownloadNotWrittenError) : result.Error;
+    return false;
+}
+
+inline bool DownloadUpdateFile(const std::wstring& pathAndQuery, const std::wstring& expectedSha256,
+                               const std::wstring& target, std::wstring& error) {
+    return DownloadUpdateFile(HttpsGet, pathAndQuery, expectedSha256, target, error);
+}
+
+}  // namespace veltor

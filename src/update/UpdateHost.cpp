@@ -1,0 +1,8 @@
+#include "update/UpdateClient.h"
+
+namespace veltor {
+
+// Set by the build; the default lies under the reserved .invalid domain, so no build reaches a real host.
+const wchar_t* const UpdateHost = L"" VELTOR_UPDATE_HOST;
+
+}  // namespace veltor

@@ -1,0 +1,19 @@
+#include "update/Utf8Text.h"
+
+#include "recording/WideToUtf8.h"
+#include "telemetry/TextConversion.h"
+
+namespace veltor {
+
+std::wstring Utf8ToWide(const std::string& text) {
+    const int units = text::WideLength(text::CodePage::Utf8, text);
+    if (units < 2) return {};
+    std::wstring wide(static_cast<size_t>(units), L'\0');
+    if (text::ConvertToWide(text::CodePage::Utf8, text, wide.data(), units) < 2) return {};
+    wide.resize(static_cast<size_t>(units - 1));
+    return wide;
+}
+
+std::string WideToUtf8(std::wstring_view text) { return ToUtf8(text); }
+
+}  // namespace veltor

@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+
+#include "ProfileStoreFolder.h"
+#include "profiles/IniDocument.h"
+#include "profiles/IniEncoding.h"
+#include "profiles/ProfileStore.h"
+
+namespace veltor {
+namespace {
+
+// A file the way users and older versions leave it: comments, blanks, odd spacing, quotes, a case-differing
+// duplicate section, a padded header and non-ASCII text.
+const std::wstring kAwkwardFile =
+    L"; comment line\r\n[Awkward]\r\n  Spaced Key  =  spaced value  \r\neq=a=b=c\r\nquoted=\"in quotes\"\r\n"
+    L"single='in single'\r\nhalf=\"open\r\nempty=\r\nnovalue\r\n\r\n[awkward]\r\nshadow=second section\r\n"
+    L"[Names]\r\nn1=J\u00fcrgen M\u00fcller\r\n[ Padded ]\r\nk=padded\r\n";
+
+struct Write {
+    const wchar_t* section;
+    const wchar_t* key;
+    const wchar_t* value;
+};
+
+const Write kWrites[] = {
+    {L"Awkward", L"eq", L"x = y"},          {L"AWKWARD", L"spaced key", L"  two  blanks  "},
+    {L"Awkward", L"new", L"\"quoted\""},    {L"awkward", L"shadow", L"written"},
+    {L"Names", L"n1", L"J\u00fcrgen  M\u00fcller"}, {L"Names", L"n2", L"\u0141ukasz"},
+    {L"Names", L"n3", L"\u6e21\u8fba"},     {L"Fresh", L"k", L"; not a comment"},
+    {L"Fresh", L"k2", L"[not a section]"},  {L"Padded", L"k", L"changed"},
+};
+
+const std::pair<const wchar_t*, const wchar_t*> kUnwritten[] = {
+    {L"Awkward", L"quoted"}, {L"Awkward", L"single"}, {L"Awkward", L"half"}, {L"Awkward", L"empty"},
+    {L"Awkward", L"novalue"}, {L"Awkward", L"absent"}, {L"Nowhere", L"k"}, {L"Names", L"N1"},
+};
+
+std::wstring PlatformRead(const std::wstring& path, const wchar_t* section, const wchar_t* key, DWORD size) {
+    std::wstring buffer(size, L'\0');
+    const DWORD length = GetPrivateProfileStringW(section, key, L"DEF", buffer.data(), size, path.c_str());
+    return buffer.substr(0, length);
+}
+
+void ExpectSameReads(const std::wstring& path, const IniDocument& ours) {
+    auto compare = [&](const wchar_t* section, const wchar_t* key) {
+        for (const DWORD size : {128u, 5u}) {
+            EXPECT_EQ(ours.GetString(section, key, L"DEF", size), PlatformRead(path, section, key, size))
+                << section << L"/" << key << L" in " << size;
+        }
+    };
+    for (const Write& write : kWrites) compare(write.section, write.key);
+    for (const auto& [section, key] : kUnwritten) compare(section, key);
+}
+
+TEST(IniPlatform, FilesThePlatformWritesReadTheSameThroughOurDocument) {
+    test::ProfileStoreFolder folder;
+    folder.Write(EncodeIniText(kAwkwardFile));
+    for (const Write& write : kWrites) {
+        ASSERT_TRUE(WritePrivateProfileStringW(write.section, write.key, write.value, folder.IniPath().c_str()));
+    }
+    ExpectSameReads(folder.IniPath(), IniDocument::Parse(DecodeIniBytes(folder.Read())));
+}
+
+TEST(IniPlatform, FilesWeWriteReadTheSameThroughThePlatformAndGiveBackEveryValue) {
+    test::ProfileStoreFolder folder;
+    IniDocument ours = IniDocument::Parse(kAwkwardFile);
+    for (const Write& write : kWrites) ours.SetString(write.section, write.key, write.value);
+    folder.Write(EncodeIniText(ours.Serialize()));
+    ExpectSameReads(folder.IniPath(), ours);
+    for (const Write& write : kWrites) {
+        EXPECT_EQ(PlatformRead(folder.IniPath(), write.section, write.key, 128), write.value) << write.key;
+    }
+}
+
+TEST(IniPlatform, TheStoresFileGivesThePlatformItsNonAsciiNames) {
+    test::ProfileStoreFolder folder;
+    ProfileStore store(folder.IniPath());
+    store.LoadProfiles();
+    store.Profiles = {{L"J\u00fcrgen M\u00fcller", {}}, {L"\u0141ukasz", {}}, {L"\u6e21\u8fba", {}}};
+    ASSERT_TRUE(store.SaveAll());
+    ASSERT_TRUE(store.WriteDriverIdentity(321, L"\u6e21\u8fba"));
+    const std::wstring path = folder.IniPath();
+    EXPECT_EQ(PlatformRead(path, L"Profiles", L"Count", 64), L"3");
+    EXPECT_EQ(PlatformRead(path, L"Profile0", L"Name", 128), L"J\u00fcrgen M\u00fcller");
+    EXPECT_EQ(PlatformRead(path, L"Profile1", L"Name", 128), L"\u0141ukasz");
+    EXPECT_EQ(PlatformRead(path, L"Profile2", L"Name", 128), L"\u6e21\u8fba");
+    EXPECT_EQ(PlatformRead(path, L"DriverIdentity", L"321", 128), L"\u6e21\u8fba");
+}
+
+}  // namespace
+}  // namespace veltor

@@ -1,0 +1,299 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "ProfileStoreFolder.h"
+#include "profiles/IniEncoding.h"
+#include "profiles/ProfileStore.h"
+#include "profiles/SettingsSection.h"
+
+namespace veltor {
+namespace {
+
+using test::ProfileStoreFolder;
+
+std::wstring Text(const EngineSettings& settings) {
+    IniDocument ini;
+    WriteSettings(ini, L"S", settings);
+    return ini.Serialize();
+}
+
+std::wstring FileText(const ProfileStoreFolder& folder) { return DecodeIniBytes(folder.Read()); }
+
+EngineSettings Distinct(int32_t seed) {
+    EngineSettings settings;
+    settings.ForceStrength = seed;
+    settings.CrashLatG = seed + 1;
+    settings.DebugLogging = seed % 2 == 1;
+    settings.UseCarSpecificSettings = seed % 3 != 0;
+    return settings;
+}
+
+// What a user sees of a store: the selection, the live record, the profiles and the overrides, as one text.
+std::wstring Summary(const ProfileStore& store) {
+    std::wstring text = std::to_wstring(store.SelectedProfile) + Text(store.CurrentSettings);
+    for (const DriverProfile& profile : store.Profiles) text += profile.Name + Text(profile.Settings);
+    for (const CarCoefficients& c : store.CoefficientOverrides) {
+        for (const float number : {c.YawRateMultiplier, c.YawSteerGain, c.LateralAccelDivisor, c.ResistanceGain,
+                                   c.SteerMarginBias}) {
+            text += c.CarPath + L" " + std::to_wstring(number) + L"\n";
+        }
+    }
+    return text;
+}
+
+ProfileStore Loaded(const ProfileStoreFolder& folder) {
+    ProfileStore store(folder.IniPath());
+    store.LoadCoefficients();
+    store.LoadProfiles();
+    return store;
+}
+
+TEST(ProfileStore, AnythingButAListOfProfilesGivesOneDefaultProfile) {
+    const std::string files[] = {"", "[Profiles]\nCount=0\n", "[Profiles]\nCount=-5\n[Profile0]\nName=A\n",
+                                 std::string("\xFF\xFE\x00\xD8\x01\x02[\0\n\r\x80", 12), "\x1A\x1A=\n]["};
+    for (const std::string& bytes : files) {
+        ProfileStoreFolder folder;
+        if (!bytes.empty()) folder.Write(bytes);
+        ProfileStore store = Loaded(folder);
+        ASSERT_EQ(store.Profiles.size(), 1u);
+        EXPECT_EQ(store.Profiles[0].Name, L"Default");
+        EXPECT_EQ(store.SelectedProfile, 0);
+        EXPECT_EQ(Text(store.CurrentSettings), Text(EngineSettings{}));
+        EXPECT_TRUE(store.CoefficientOverrides.empty());
+    }
+}
+
+TEST(ProfileStore, ListedProfilesLoadWithTheirNamesDefaultsAndAClampedSelection) {
+    const int32_t strengths[] = {70, 50, 20};
+    const std::pair<const char*, int32_t> selections[] = {{"7", 2}, {"-1", 0}, {"1", 1}, {"x", 0}};
+    for (const auto& [selected, expected] : selections) {
+        ProfileStoreFolder folder;
+        folder.Write(std::string("[Profiles]\nCount=3\nSelected=") + selected +
+                     "\n[Profile0]\nName= A \nForceStrength=70\n[Profile2]\nForceStrength=20\n");
+        ProfileStore store = Loaded(folder);
+        ASSERT_EQ(store.Profiles.size(), 3u);
+        EXPECT_EQ(store.Profiles[0].Name, L"A");
+        EXPECT_EQ(store.Profiles[1].Name, L"Driver 2");
+        EXPECT_EQ(store.Profiles[2].Name, L"Driver 3");
+        EXPECT_EQ(store.SelectedProfile, expected);
+        EXPECT_EQ(store.CurrentSettings.ForceStrength, strengths[expected]);
+    }
+}
+
+TEST(ProfileStore, AHugeCountCostsNoMoreThanTheFileHolds) {
+    ProfileStoreFolder folder;
+    folder.Write("[Profiles]\nCount=2147483647\n[Profile0]\nName=A\n[Coefficients]\nCount=2147483647\n"
+                 "[Coefficient1]\nCar=rt2000\n");
+    ProfileStore store = Loaded(folder);
+    EXPECT_EQ(store.Profiles.front().Name, L"A");
+    EXPECT_LT(store.Profiles.size(), 1000u);
+    ASSERT_EQ(store.CoefficientOverrides.size(), 1u);
+    EXPECT_EQ(store.CoefficientOverrides[0].CarPath, L"rt2000");
+    EXPECT_TRUE(store.SaveAll());
+}
+
+TEST(ProfileStore, SaveAllRoundTripsEveryFieldAndNonAsciiNames) {
+    ProfileStoreFolder folder;
+    ProfileStore saved(folder.IniPath());
+    saved.Profiles = {{L"J\u00fcrgen M\u00fcller", Distinct(11)}, {L"\u0141ukasz", Distinct(12)}, {L"\u6e21\u8fba", {}}};
+    saved.SelectedProfile = 1;
+    saved.CurrentSettings = {1, false, false, true, true, true, true, 3, 44, 55, 66, 77, 88,
+                             -9, 10, 111, 12, 13, 149, 14, 15, 16, 17, 18, 9990};
+    saved.PutCarSettings(0, L"mx5 mx52016", Distinct(21));
+    saved.PutCarSettings(2, L"RT2000", Distinct(22));
+    saved.PutCoefficients({L"MX5 MX52016", 37.0f, 0.125f, 96.0f, 0.9f, -0.01745329f});
+    saved.PutCoefficients({L"newcar", 45.5f, 0.0f, 200.0f, 1.55f, 0.0f});
+    ASSERT_TRUE(saved.SaveAll());
+    ASSERT_TRUE(saved.WriteDriverIdentity(321, L"\u6e21\u8fba \u4e00"));
+    EXPECT_NE(FileText(folder).find(L"SteerMarginBiasTenthDeg=-10\r\n"), std::wstring::npos);
+
+    ProfileStore loaded = Loaded(folder);
+    EXPECT_EQ(Summary(loaded), Summary(saved));
+    for (const CarProfile& entry : saved.CarProfiles) {
+        EXPECT_EQ(Text(loaded.GetCarSettings(entry.ProfileIndex, entry.CarPath, {})), Text(entry.Settings));
+    }
+    EXPECT_EQ(loaded.GetCarSettings(1, L"rt2000", Distinct(5)).ForceStrength, 5);
+    EXPECT_EQ(loaded.CarProfiles.size(), saved.CarProfiles.size());
+    EXPECT_EQ(loaded.LookUpDriverIdentity(321), L"\u6e21\u8fba \u4e00");
+}
+
+// Another writer's keys, lines we don't write and car sections nobody touched survive a save; the older
+// switch key stays beside the one that replaced it.
+TEST(ProfileStore, SaveKeepsWhatItDoesNotWriteIncludingKeysAddedSinceTheLoad) {
+    ProfileStoreFolder folder;
+    folder.Write("; my notes\r\n[Profiles]\r\nCount=1\r\n[Profile0]\r\nName=A\r\nLegacyIracingFfbHandoff=1\r\n"
+                 "\r\n[CarProfile0_other]\r\nExists=1\r\nForceStrength=33\r\n");
+    ProfileStore store = Loaded(folder);
+    EXPECT_TRUE(store.CurrentSettings.SimucubeMode);
+    folder.Write(folder.Read() + "[DriverIdentity]\r\n7=Added Meanwhile\r\n");
+    ASSERT_TRUE(store.SaveAll());
+
+    const std::wstring text = FileText(folder);
+    for (const wchar_t* line : {L"; my notes\r\n", L"LegacyIracingFfbHandoff=1\r\n", L"SimucubeMode=1\r\n",
+                                L"[CarProfile0_other]\r\nExists=1\r\nForceStrength=33\r\n", L"7=Added Meanwhile"}) {
+        EXPECT_NE(text.find(line), std::wstring::npos) << line;
+    }
+    EXPECT_EQ(Loaded(folder).GetCarSettings(0, L"other", EngineSettings{}).ForceStrength, 33);
+}
+
+TEST(ProfileStore, HostileFilesKeepEveryLineThroughASave) {
+    const std::string files[] = {"big=" + std::string(1 << 20, 'x') + "\n",
+                                 [] {
+                                     std::string many;
+                                     for (int i = 0; i < 10000; ++i) many += "[S" + std::to_string(i) + "]\nk=1\nk=2\n";
+                                     return many;
+                                 }(),
+                                 std::string("\x80\x81\0\xFF\n[\xE9]\r\r\n=\n", 14)};
+    for (const std::string& bytes : files) {
+        ProfileStoreFolder folder;
+        folder.Write(bytes);
+        ProfileStore store = Loaded(folder);
+        store.Profiles[0].Name = L"Mine";
+        ASSERT_TRUE(store.SaveAll());
+        const std::wstring before = DecodeIniBytes(bytes);
+        EXPECT_EQ(FileText(folder).substr(0, before.size()), before);
+        EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Mine");
+    }
+}
+
+// The session goes on from memory; nothing reaches or harms the file until it can be written again.
+TEST(ProfileStore, AFailedSaveLeavesTheFileAndTheNextSaveCatchesUp) {
+    ProfileStoreFolder folder;
+    ProfileStore store = Loaded(folder);
+    ASSERT_TRUE(store.SaveAll());
+    const std::string saved = folder.Read();
+    folder.SetReadOnly(true);
+    store.Profiles[0].Name = L"Renamed";
+    EXPECT_FALSE(store.SaveAll());
+    EXPECT_FALSE(store.WriteDriverIdentity(5, L"Five"));
+    EXPECT_EQ(folder.Read(), saved);
+
+    folder.SetReadOnly(false);
+    folder.Write(EncodeIniText(DecodeIniBytes(saved) + L"[DriverIdentity]\r\n7=Seven\r\n"));
+    EXPECT_EQ(store.LookUpDriverIdentity(5), L"Five");
+    EXPECT_EQ(store.LookUpDriverIdentity(7), L"Seven");
+    ASSERT_TRUE(store.WriteDriverIdentity(6, L"Six"));
+    ProfileStore reloaded = Loaded(folder);
+    EXPECT_EQ(reloaded.Profiles[0].Name, L"Renamed");
+    EXPECT_EQ(reloaded.LookUpDriverIdentity(5), L"Five");
+    EXPECT_EQ(reloaded.LookUpDriverIdentity(7), L"Seven");
+}
+
+// A file the load couldn't read keeps its profiles, even once it can be read: the defaults in memory would
+// take their place.
+TEST(ProfileStore, AFileUnreadableAtLoadIsNeverReplacedAndADeletedOneIsWrittenAnew) {
+    ProfileStoreFolder folder;
+    const std::string huge = "[Profiles]\nCount=1\n;" + std::string(kMaxIniFileBytes, 'x');
+    folder.Write(huge);
+    ProfileStore store = Loaded(folder);
+    EXPECT_EQ(store.Profiles[0].Name, L"Default");
+    EXPECT_FALSE(store.SaveAll());
+    EXPECT_EQ(std::filesystem::file_size(folder.IniFile()), huge.size());
+    folder.Write("[Profiles]\nCount=1\n[Profile0]\nName=Mine\n");
+    EXPECT_FALSE(store.SaveAll());
+    EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Mine");
+
+    std::filesystem::remove(folder.IniFile());
+    EXPECT_TRUE(store.SaveAll());
+    EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Default");
+}
+
+// Two paths that differ only in a character other than a letter or digit: two entries, one section.
+TEST(ProfileStore, CarEntriesLiveInMemoryAndShareASectionWhenTheirNamesFold) {
+    ProfileStoreFolder folder;
+    ProfileStore store = Loaded(folder);
+    store.PutCarSettings(0, L"a b", Distinct(40));
+    store.PutCarSettings(0, L" A-B ", Distinct(41));
+    store.PutCarSettings(0, L"generic", Distinct(42));
+    store.PutCarSettings(-1, L"c", Distinct(43));
+    ASSERT_EQ(store.CarProfiles.size(), 2u);
+    EXPECT_EQ(store.CarProfiles[1].CarPath, L"a-b");
+    EXPECT_FALSE(store.CarSectionExists(0, L"a b"));
+    ASSERT_TRUE(store.SaveAll());
+    EXPECT_TRUE(store.CarSectionExists(0, L"a-b"));
+    EXPECT_EQ(Loaded(folder).GetCarSettings(0, L"a b", EngineSettings{}).ForceStrength, 41);
+}
+
+TEST(ProfileStore, CoefficientsRankOverrideThenCatalogueThenTheUnmatchedSet) {
+    ProfileStoreFolder folder;
+    folder.Write("[Coefficients]\nCount=3\n[Coefficient0]\nCar= RT2000 \nYawRateMultiplierTenth=370\n"
+                 "[Coefficient1]\nCar=Generic\n[Coefficient2]\nCar=rt2000\nYawRateMultiplierTenth=500\n");
+    ProfileStore store = Loaded(folder);
+    ASSERT_EQ(store.CoefficientOverrides.size(), 2u);  // the generic one is dropped, the second rt2000 kept
+    EXPECT_EQ(store.CoefficientOverrides[0].CarPath, L"rt2000");
+    EXPECT_EQ(store.CoefficientOverrides[0].LateralAccelDivisor, 110.0f);
+
+    store.PutCoefficients({L"generic", 1.0f, 1.0f, 1.0f, 1.0f, 1.0f});
+    store.PutCoefficients({L"NewCar", 50.0f, 0.0f, 80.0f, 1.0f, 0.0f});
+    struct Case {
+        const wchar_t* car;
+        const wchar_t* path;
+        float yawRate, divisor;
+        bool known;
+    };
+    const Case cases[] = {{L"RT2000", L"rt2000", 37.0f, 110.0f, true},
+                          {L"MX5 MX52016", L"mx5 mx52016", 36.0f, 96.0f, true},
+                          {L"mx5 mx52016 extra", L"mx5 mx52016 extra", 40.0f, 90.0f, false},
+                          {L"newcar", L"newcar", 50.0f, 80.0f, true},
+                          {L" generic ", L"generic", 40.0f, 90.0f, false},
+                          {L"", L"generic", 40.0f, 90.0f, false}};
+    for (const Case& c : cases) {
+        const CarCoefficients found = store.GetCoefficients(c.car);
+        EXPECT_EQ(found.CarPath, c.path);
+        EXPECT_EQ(found.YawRateMultiplier, c.yawRate) << c.car;
+        EXPECT_EQ(found.LateralAccelDivisor, c.divisor) << c.car;
+        EXPECT_EQ(store.IsKnownCar(c.car), c.known) << c.car;
+    }
+    EXPECT_EQ(store.CoefficientOverrides.size(), 3u);
+}
+
+TEST(ProfileStore, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheAccount) {
+    ProfileStoreFolder folder;
+    folder.Write("[DriverIdentity]\n321=  Stored Name \n");
+    ProfileStore store(folder.IniPath());
+    struct Case {
+        const wchar_t* name;
+        int32_t id;
+        bool known;
+        const wchar_t* shown;
+    };
+    const Case cases[] = {{L"Live", 321, true, L"Stored Name"}, {L"Live", 5, true, L"Live"},
+                          {L"UNKNOWN", 5, true, L"account #5"}, {L"Live", 5, false, L"account #5"},
+                          {L"", 0, true, L""},                  {L"unknown", -2, true, L"unknown"}};
+    for (const Case& c : cases) {
+        EngineStatus status;
+        status.driverName = c.name;
+        status.driverUserId = c.id;
+        status.driverNameKnown = c.known;
+        EXPECT_EQ(store.DriverDisplayName(status), c.shown) << c.name << c.id;
+    }
+}
+
+TEST(ProfileStore, SyncCurrentSettingsWritesToTheCarEntryOnlyWhileItOwnsTheLiveRecord) {
+    struct Case {
+        bool carSpecific;
+        const wchar_t* car;
+        int32_t selected;
+        bool carOwns;
+    };
+    const Case cases[] = {{true, L"rt2000", 0, true}, {false, L"rt2000", 0, false}, {true, L" Generic", 0, false},
+                          {true, L"", 0, false},      {true, L"rt2000", 1, false}};
+    for (const Case& c : cases) {
+        ProfileStore store(L"unused.ini");
+        store.Profiles = {{L"A", Distinct(1)}};
+        store.SelectedProfile = c.selected;
+        store.CurrentCarPath = c.car;
+        store.CurrentSettings = Distinct(9);
+        store.CurrentSettings.UseCarSpecificSettings = c.carSpecific;
+        EXPECT_EQ(store.CarSettingsActive(), c.carOwns);
+        store.SyncCurrentSettings();
+        EXPECT_EQ(store.CarProfiles.size(), c.carOwns ? 1u : 0u) << c.car;
+        const bool profileTook = !c.carOwns && c.selected == 0;
+        EXPECT_EQ(store.Profiles[0].Settings.ForceStrength, profileTook ? 9 : 1) << c.car;
+    }
+}
+
+}  // namespace
+}  // namespace veltor

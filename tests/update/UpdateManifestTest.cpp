@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "update/UpdateManifest.h"
+#include "update/UpdatePath.h"
+#include "update/VersionText.h"
+
+namespace veltor {
+namespace {
+
+TEST(ParseVersion, AcceptsFourNumbersAndLeavesThePartsAloneOnFailure) {
+    struct Case {
+        const wchar_t* text;
+        bool ok;
+        VersionNumbers parts;
+    };
+    const Case cases[] = {
+        {L"0.1.0.134", true, {0, 1, 0, 134}},
+        {L"1.2.3.4.5", true, {1, 2, 3, 4}},  // the rest behind the fourth part is not looked at
+        {L"1.2.3.4.x", true, {1, 2, 3, 4}},
+        {L" 1.+2.3.-0", true, {1, 2, 3, 0}},  // as wcstol reads a piece
+        {L"99999999999.0.0.1", true, {2147483647, 0, 0, 1}},  // a 32-bit long saturates
+        {L"", false, {}},
+        {L"1.2.3", false, {}},
+        {L"1.2.3.", false, {}},
+        {L"1..3.4", false, {}},
+        {L"1.2.3.4x", false, {}},
+        {L"1 .2.3.4", false, {}},
+        {L"1.2.-3.4", false, {}},
+        {L"1.2.3.+", false, {}},
+        {L"a.b.c.d", false, {}},
+    };
+    for (const Case& c : cases) {
+        VersionNumbers parts{7, 7, 7, 7};
+        EXPECT_EQ(ParseVersion(c.text, parts), c.ok) << c.text;
+        EXPECT_EQ(parts, (c.ok ? c.parts : VersionNumbers{7, 7, 7, 7})) << c.text;
+    }
+}
+
+TEST(IsNewerVersion, OnlyAStrictlyHigherVersionByNumberCounts) {
+    const VersionNumbers current{0, 1, 0, 134};
+    EXPECT_TRUE(IsNewerVersion(current, {0, 1, 0, 135}));
+    EXPECT_TRUE(IsNewerVersion(current, {0, 2, 0, 0}));
+    EXPECT_FALSE(IsNewerVersion(current, {0, 1, 0, 134}));
+    EXPECT_FALSE(IsNewerVersion(current, {0, 1, 0, 9}));
+    EXPECT_FALSE(IsNewerVersion(current, {0, 0, 9, 999}));
+}
+
+TEST(JsonStringValue, ScansForwardWithoutDecoding) {
+    struct Case {
+        const char* text;
+        const char* key;
+        const wchar_t* value;
+    };
+    const Case cases[] = {
+        {R"({"version": "0.1.0.135", "notes":"x"})", "version", L"0.1.0.135"},
+        {"{\"notes\":\"Gr\xC3\xBC\xC3\x9F" "e\"}", "notes", L"Gr\u00fc\u00dfe"},
+        {R"({"notes":"say \"hi\""})", "notes", L"say \\"},  // an escaped quote ends the value
+        {R"({"version":1,"appPath":"/a"})", "version", L"appPath"},  // runs on to the next string
+        {R"({"tag":"version","notes":"n","version":"2"})", "version", L"n"},  // found inside a value first
+        {R"({"notes":"x"})", "version", L""},
+        {R"({"version" "x"})", "version", L""},
+        {R"({"version": "unclosed)", "version", L""},
+        {R"({"version":)", "version", L""},
+    };
+    for (const Case& c : cases) EXPECT_EQ(JsonStringValue(c.text, c.key), c.value) << c.text;
+}
+
+TEST(ParseManifest, NeedsVersionBothPathsAndWellFormedHashes) {
+    const std::string hash(64, 'a');
+    const std::string base = R"("version":"0.1.0.135","appPath":"/a.exe","analyzerPath":"/b.exe")";
+    struct Case {
+        std::string text;
+        bool valid;
+    };
+    const Case cases[] = {
+        {"{" + base + "}", true},
+        {"{" + base + R"(,"notes":""})", true},
+        {"{" + base + R"(,"appSha256":")" + hash + R"(","analyzerSha256":")" + std::string(64, 'F') + "\"}", true},
+        {"{" + base + R"(,"appSha256":")" + hash.substr(1) + "\"}", false},
+        {"{" + base + R"(,"analyzerSha256":")" + hash.substr(1) + "g\"}", false},
+        {R"({"version":"0.1.0.135","analyzerPath":"/b.exe"})", false},
+        {R"({"version":"0.1.0.135","appPath":"/a.exe"})", false},
+        {R"({"version":"0.1.0","appPath":"/a.exe","analyzerPath":"/b.exe"})", false},
+        {"", false},
+    };
+    for (const Case& c : cases) EXPECT_EQ(ParseManifest(c.text).Valid, c.valid) << c.text;
+
+    const UpdateManifest m = ParseManifest(R"({"version":"0.2.0.1","appPath":"/a.exe","analyzerPath":"/b.exe",)"
+                                           R"("notes":"Faster.","appSha256":")" + hash + "\"}");
+    EXPECT_EQ(m.VersionParts, (VersionNumbers{0, 2, 0, 1}));
+    EXPECT_EQ(m.Version, L"0.2.0.1");
+    EXPECT_EQ(m.AppPath, L"/a.exe");
+    EXPECT_EQ(m.AnalyzerPath, L"/b.exe");
+    EXPECT_EQ(m.Notes, L"Faster.");
+    EXPECT_EQ(m.AppSha256, std::wstring(64, L'a'));
+    EXPECT_EQ(m.AnalyzerSha256, L"");
+}
+
+TEST(UpdatePath, VersionQueryAndFileName) {
+    EXPECT_EQ(AddVersionQuery(L"/f/latest.json", L"0.1.0.134"), L"/f/latest.json?v=0.1.0.134");
+    EXPECT_EQ(AddVersionQuery(L"/f/a.exe?x=1", L"1.2.3.4"), L"/f/a.exe?x=1&v=1.2.3.4");
+    EXPECT_EQ(AddVersionQuery(L"/f/a.exe", L""), L"/f/a.exe");
+    EXPECT_EQ(UrlFileName(L"/f/Gripline.exe?v=1.2.3.4"), L"Gripline.exe");
+    EXPECT_EQ(UrlFileName(L"/f/a.exe#top"), L"a.exe");
+    EXPECT_EQ(UrlFileName(L"dir\\b.exe"), L"b.exe");
+    EXPECT_EQ(UrlFileName(L"plain.exe"), L"plain.exe");
+    EXPECT_EQ(UrlFileName(L"/f/"), L"");
+}
+
+}  // namespace
+}  // namespace veltor
