@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Analysis analysis = AnalyseRecording(recording);
     const Advice advice = BuildAdvice(recording, analysis);
     const std::string report = FormatReport({"fuzz.vtrrec", false}, recording, analysis, advice);
-    const std::string file = EncodeAdviceFile(AdviceFileText(advice));
+    const std::wstring file = AdviceFileText(advice);
     if (report.empty() || file.empty()) __builtin_trap();
     DecimateForPlot(recording.samples, &veltor::RecordingSample::mixedTorque, 64);
     FullScaleHistogram(recording.samples);

@@ -18,6 +18,7 @@
 #include "analyzer/AnalysisReport.h"
 #include "analyzer/AnalyzerInput.h"
 #include "analyzer/PlotData.h"
+#include "engine/RecordingHook.h"
 
 namespace {
 

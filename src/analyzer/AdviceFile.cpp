@@ -2,39 +2,43 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <optional>
-#include <system_error>
+
+#include "profiles/IniDocument.h"
+#include "profiles/IniEncoding.h"
+#include "profiles/IniFile.h"
+#include "profiles/ProfileText.h"
 
 namespace veltor::analyzer {
 namespace {
 
 constexpr int kAdviceVersion = 1;
+constexpr wchar_t kSection[] = L"Advice";
 
 // The two groups of the file in its order: each value key with its Apply flag, and the row of ours that
 // may advise it (none for the values this analyzer never advises; their flags are still written as 0).
 struct GroupKey {
-    const char* valueKey;
-    const char* applyKey;
+    const wchar_t* valueKey;
+    const wchar_t* applyKey;
     std::optional<AdviceKey> row;
     double factor;  // value in the file = proposed × factor, rounded
 };
 
 constexpr GroupKey kProfileKeys[] = {
-    {"ForceStrength", "ApplyForceStrength", AdviceKey::ForceStrength, 1.0},
-    {"CarForceBalance", "ApplyCarForceBalance", std::nullopt, 1.0},
-    {"SuspensionTexture", "ApplySuspensionTexture", AdviceKey::SuspensionTexture, 1.0},
-    {"SuspensionImpactTexture", "ApplySuspensionImpactTexture", AdviceKey::SuspensionImpactTexture, 1.0},
-    {"SuspensionDetailPriority", "ApplySuspensionDetailPriority", AdviceKey::SuspensionDetailPriority, 1.0},
-    {"AbsVibration", "ApplyAbsVibration", std::nullopt, 1.0},
+    {L"ForceStrength", L"ApplyForceStrength", AdviceKey::ForceStrength, 1.0},
+    {L"CarForceBalance", L"ApplyCarForceBalance", std::nullopt, 1.0},
+    {L"SuspensionTexture", L"ApplySuspensionTexture", AdviceKey::SuspensionTexture, 1.0},
+    {L"SuspensionImpactTexture", L"ApplySuspensionImpactTexture", AdviceKey::SuspensionImpactTexture, 1.0},
+    {L"SuspensionDetailPriority", L"ApplySuspensionDetailPriority", AdviceKey::SuspensionDetailPriority, 1.0},
+    {L"AbsVibration", L"ApplyAbsVibration", std::nullopt, 1.0},
 };
 
 constexpr GroupKey kCoefficientKeys[] = {
-    {"YawRateMultiplierTenth", "ApplyYawRateMultiplier", AdviceKey::YawRateMultiplier, 10.0},
-    {"YawSteerGainThousand", "ApplyYawSteerGain", std::nullopt, 1000.0},
-    {"LateralAccelDivisor", "ApplyLateralAccelDivisor", AdviceKey::LateralAccelDivisor, 1.0},
-    {"ResistanceGainHundred", "ApplyResistanceGain", std::nullopt, 100.0},
-    {"SteerMarginBiasTenthDeg", "ApplySteerMarginBias", std::nullopt, 572.9578},
+    {L"YawRateMultiplierTenth", L"ApplyYawRateMultiplier", AdviceKey::YawRateMultiplier, 10.0},
+    {L"YawSteerGainThousand", L"ApplyYawSteerGain", std::nullopt, 1000.0},
+    {L"LateralAccelDivisor", L"ApplyLateralAccelDivisor", AdviceKey::LateralAccelDivisor, 1.0},
+    {L"ResistanceGainHundred", L"ApplyResistanceGain", std::nullopt, 100.0},
+    {L"SteerMarginBiasTenthDeg", L"ApplySteerMarginBias", std::nullopt, 572.9578},
 };
 
 const AdviceRow* AdvisedRow(const Advice& advice, const GroupKey& key) {
@@ -45,38 +49,20 @@ const AdviceRow* AdvisedRow(const Advice& advice, const GroupKey& key) {
 }
 
 template <size_t N>
-void WriteGroup(const Advice& advice, const char* hasKey, const GroupKey (&keys)[N], std::string& text) {
+void WriteGroup(const Advice& advice, const wchar_t* hasKey, const GroupKey (&keys)[N], IniDocument& ini) {
     const bool present = std::any_of(std::begin(keys), std::end(keys),
                                      [&](const GroupKey& key) { return AdvisedRow(advice, key) != nullptr; });
-    text += std::string(hasKey) + (present ? "=1\r\n" : "=0\r\n");
+    ini.SetString(kSection, hasKey, present ? L"1" : L"0");
     if (!present) return;
     for (const GroupKey& key : keys) {
         if (const AdviceRow* row = AdvisedRow(advice, key)) {
-            text += std::string(key.valueKey) + "=" + std::to_string(std::lround(row->proposed * key.factor)) + "\r\n";
+            ini.SetString(kSection, key.valueKey, DecimalText(std::llround(row->proposed * key.factor)));
         }
     }
     for (const GroupKey& key : keys) {
         const AdviceRow* row = AdvisedRow(advice, key);
-        text += std::string(key.applyKey) + (row != nullptr && row->apply ? "=1\r\n" : "=0\r\n");
+        ini.SetString(kSection, key.applyKey, row != nullptr && row->apply ? L"1" : L"0");
     }
-}
-
-// One UTF-8 character from `text` at `i`, moving `i` past it; a malformed byte gives U+FFFD.
-char32_t NextCodePoint(const std::string& text, size_t& i) {
-    const unsigned char lead = static_cast<unsigned char>(text[i++]);
-    const int extra = lead < 0x80 ? 0 : lead >= 0xF0 && lead < 0xF8 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : -1;
-    if (extra < 0) return 0xFFFD;
-    char32_t c = extra == 0 ? lead : static_cast<char32_t>(lead & (0x3F >> extra));
-    for (int k = 0; k < extra; ++k) {
-        if (i >= text.size() || (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0xFFFD;
-        c = (c << 6) | (static_cast<unsigned char>(text[i++]) & 0x3F);
-    }
-    return c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF) ? 0xFFFD : c;
-}
-
-void AppendUnit(std::string& bytes, char32_t unit) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>((unit >> 8) & 0xFF));
 }
 
 }  // namespace
@@ -86,54 +72,20 @@ bool HasAdviceToApply(const Advice& advice) {
                        [](const AdviceRow& row) { return row.advised && row.apply; });
 }
 
-std::string AdviceFileText(const Advice& advice) {
-    std::string text = "[Advice]\r\nVersion=" + std::to_string(kAdviceVersion) + "\r\n";
-    text += "Profile=" + advice.profile + "\r\n";
-    text += "Car=" + advice.car + "\r\n";
-    WriteGroup(advice, "HasProfileSettings", kProfileKeys, text);
-    WriteGroup(advice, "HasCoefficientAdvice", kCoefficientKeys, text);
-    return text;
-}
-
-std::string EncodeAdviceFile(const std::string& text) {
-    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-        return text;
-    }
-    std::string bytes = "\xFF\xFE";
-    for (size_t i = 0; i < text.size();) {
-        const char32_t c = NextCodePoint(text, i);
-        if (c >= 0x10000) {
-            AppendUnit(bytes, 0xD800 + ((c - 0x10000) >> 10));
-            AppendUnit(bytes, 0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            AppendUnit(bytes, c);
-        }
-    }
-    return bytes;
+std::wstring AdviceFileText(const Advice& advice) {
+    IniDocument ini;
+    ini.SetString(kSection, L"Version", DecimalText(kAdviceVersion));
+    ini.SetString(kSection, L"Profile", DecodeIniBytes(advice.profile));
+    ini.SetString(kSection, L"Car", DecodeIniBytes(advice.car));
+    WriteGroup(advice, L"HasProfileSettings", kProfileKeys, ini);
+    WriteGroup(advice, L"HasCoefficientAdvice", kCoefficientKeys, ini);
+    return ini.Serialize();
 }
 
 bool WriteAdviceFile(const std::filesystem::path& path, const Advice& advice, std::string& error) {
-    const std::string bytes = EncodeAdviceFile(AdviceFileText(advice));
-    std::filesystem::path partial = path;
-    partial += ".partial";
-    std::error_code failure;
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            std::filesystem::remove(partial, failure);
-            error = "cannot write the advice file";
-            return false;
-        }
-    }
-    std::filesystem::rename(partial, path, failure);
-    if (failure) {
-        std::filesystem::remove(partial, failure);
-        error = "cannot write the advice file";
-        return false;
-    }
-    return true;
+    if (ReplaceIniFile(path.wstring(), EncodeIniText(AdviceFileText(advice)))) return true;
+    error = "cannot write the advice file";
+    return false;
 }
 
 }  // namespace veltor::analyzer

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "analyzer/AnalyzerCommand.h"
+#include "analyzer/StoredSettings.h"
+#include "profiles/ProfileStore.h"
 
 namespace {
 
@@ -78,8 +80,9 @@ void ShowInMessageBox(const std::string& out, const std::string& err, int exitCo
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     using namespace veltor::analyzer;
-    const CommandOutcome outcome =
-        RunAnalyzer(Arguments(), "Veltor Commercial Analyzer", [](std::wstring_view) { return OfflineSettings{}; });
+    // The telemetry file runs with what Gripline beside us would drive that car with.
+    const auto settingsForCar = [](std::wstring_view car) { return StoredSettingsForCar(veltor::IniFilePath(), car); };
+    const CommandOutcome outcome = RunAnalyzer(Arguments(), "Veltor Commercial Analyzer", settingsForCar);
     HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
     HANDLE err = GetStdHandle(STD_ERROR_HANDLE);
     if (Inherited(out) || Inherited(err)) {

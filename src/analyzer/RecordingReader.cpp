@@ -155,6 +155,14 @@ std::vector<std::string> ReadingWarnings(const Recording& recording) {
 
 std::string HeaderText(const char (&field)[kRecordingTextField]) {
     std::string text(field, std::find(field, field + kRecordingTextField - 1, '\0'));
+    // The writer cuts a long text at the field's end, maybe inside a character: that partial one goes.
+    size_t lead = text.size();
+    while (lead > 0 && text.size() - lead < 3 && (static_cast<unsigned char>(text[lead - 1]) & 0xC0) == 0x80) --lead;
+    if (lead > 0) {
+        const unsigned char first = static_cast<unsigned char>(text[lead - 1]);
+        const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 1;
+        if (first >= 0xC0 && text.size() - (lead - 1) < length) text.resize(lead - 1);
+    }
     for (char& c : text) {
         const unsigned char byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F) c = '?';

@@ -35,8 +35,8 @@ bool LoadRecording(const std::filesystem::path& path, Recording& recording, std:
 // The warnings for what was left out: one line each, none for a whole file.
 std::vector<std::string> ReadingWarnings(const Recording& recording);
 
-// A text field of the header, up to its NUL; control characters become '?', so no field can break a
-// line of the report or of the advice file.
+// A text field of the header, up to its NUL and without a character cut at the field's end; control
+// characters become '?', so no field can break a line of the report or of the advice file.
 std::string HeaderText(const char (&field)[kRecordingTextField]);
 
 }  // namespace veltor::analyzer

@@ -7,6 +7,7 @@
 
 #include "AnalyzerTestFiles.h"
 #include "analyzer/AdviceFile.h"
+#include "profiles/IniEncoding.h"
 
 namespace veltor::analyzer {
 namespace {
@@ -109,35 +110,28 @@ Advice TwoGroupAdvice(const char* profile) {
 }
 
 TEST(AdviceFileText, WritesTheAdvisedValuesAndEveryApplyFlagOfAGroupInUse) {
-    EXPECT_EQ(AdviceFileText(TwoGroupAdvice("Driver 1")),
-              "[Advice]\r\nVersion=1\r\nProfile=Driver 1\r\nCar=bmwm4gt3\r\n"
-              "HasProfileSettings=1\r\nForceStrength=62\r\n"
-              "ApplyForceStrength=1\r\nApplyCarForceBalance=0\r\nApplySuspensionTexture=0\r\n"
-              "ApplySuspensionImpactTexture=0\r\nApplySuspensionDetailPriority=0\r\nApplyAbsVibration=0\r\n"
-              "HasCoefficientAdvice=1\r\nYawRateMultiplierTenth=330\r\nLateralAccelDivisor=70\r\n"
-              "ApplyYawRateMultiplier=0\r\nApplyYawSteerGain=0\r\nApplyLateralAccelDivisor=1\r\n"
-              "ApplyResistanceGain=0\r\nApplySteerMarginBias=0\r\n");
+    EXPECT_EQ(AdviceFileText(TwoGroupAdvice("J\xC3\xB6rg")),
+              L"[Advice]\r\nVersion=1\r\nProfile=J\u00F6rg\r\nCar=bmwm4gt3\r\n"
+              L"HasProfileSettings=1\r\nForceStrength=62\r\n"
+              L"ApplyForceStrength=1\r\nApplyCarForceBalance=0\r\nApplySuspensionTexture=0\r\n"
+              L"ApplySuspensionImpactTexture=0\r\nApplySuspensionDetailPriority=0\r\nApplyAbsVibration=0\r\n"
+              L"HasCoefficientAdvice=1\r\nYawRateMultiplierTenth=330\r\nLateralAccelDivisor=70\r\n"
+              L"ApplyYawRateMultiplier=0\r\nApplyYawSteerGain=0\r\nApplyLateralAccelDivisor=1\r\n"
+              L"ApplyResistanceGain=0\r\nApplySteerMarginBias=0\r\n");
     Advice profileOnly = TwoGroupAdvice("Driver 1");
     profileOnly.rows.resize(2);
-    EXPECT_NE(AdviceFileText(profileOnly).find("HasCoefficientAdvice=0\r\n"), std::string::npos);
-    EXPECT_EQ(AdviceFileText(profileOnly).find("ApplyYawRateMultiplier"), std::string::npos);
+    EXPECT_NE(AdviceFileText(profileOnly).find(L"HasCoefficientAdvice=0\r\n"), std::wstring::npos);
+    EXPECT_EQ(AdviceFileText(profileOnly).find(L"ApplyYawRateMultiplier"), std::wstring::npos);
 }
 
-TEST(EncodeAdviceFile, KeepsAsciiAndTurnsOtherTextIntoUtf16WithAByteOrderMark) {
-    EXPECT_EQ(EncodeAdviceFile("Profile=Anna\r\n"), "Profile=Anna\r\n");
-    EXPECT_EQ(EncodeAdviceFile("P=J\xC3\xB6rg \xF0\x9F\x98\x80"),
-              std::string("\xFF\xFEP\0=\0J\0\xF6\0r\0g\0 \0\x3D\xD8\x00\xDE", 20));
-    EXPECT_EQ(EncodeAdviceFile("\xC3"), std::string("\xFF\xFE\xFD\xFF", 4)) << "a cut character";
-}
-
-TEST(WriteAdviceFile, WritesTheFileWholeOrNotAtAll) {
+TEST(WriteAdviceFile, WritesTheFileAsTheProgramWritesItsOwnOrNotAtAll) {
     test::TempFolder folder;
     std::string error;
     const std::filesystem::path file = folder.path / "advice.ini";
     ASSERT_TRUE(WriteAdviceFile(file, TwoGroupAdvice("Driver 1"), error)) << error;
     std::stringstream written;
     written << std::ifstream(file, std::ios::binary).rdbuf();
-    EXPECT_EQ(written.str(), AdviceFileText(TwoGroupAdvice("Driver 1")));
+    EXPECT_EQ(written.str(), EncodeIniText(AdviceFileText(TwoGroupAdvice("Driver 1"))));
 
     EXPECT_FALSE(WriteAdviceFile(folder.path / "missing" / "advice.ini", TwoGroupAdvice("Driver 1"), error));
     EXPECT_EQ(error, "cannot write the advice file");

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/RecordingHook.h"
 #include "recording/RecordingHeader.h"
 #include "recording/RecordingSample.h"
 

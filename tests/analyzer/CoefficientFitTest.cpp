@@ -56,10 +56,10 @@ TEST(FitCarCoefficients, RecoversTheSteeringOfAChosenCarThroughTheEnginesPipelin
         EXPECT_EQ(fit.samples, frames * 49 / 60) << "each minute's 11 s of understeer, ABS, slide and paddock left out";
 
         const Advice advice = BuildAdvice(recording, analysis);
-        const std::string text = AdviceFileText(advice);
-        EXPECT_NE(text.find("Car=bmwm4gt3\r\n"), std::string::npos);
-        EXPECT_NE(text.find("YawRateMultiplierTenth=" + std::to_string(std::lround(fit.yawRateMultiplier * 10))),
-                  std::string::npos);
+        const std::wstring text = AdviceFileText(advice);
+        EXPECT_NE(text.find(L"Car=bmwm4gt3\r\n"), std::wstring::npos);
+        EXPECT_NE(text.find(L"YawRateMultiplierTenth=" + std::to_wstring(std::lround(fit.yawRateMultiplier * 10))),
+                  std::wstring::npos);
         EXPECT_TRUE(RowOf(advice, AdviceKey::LateralAccelDivisor).advised);
     }
 }

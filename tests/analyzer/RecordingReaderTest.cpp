@@ -74,12 +74,15 @@ TEST(ParseRecording, KeepsTheWholeRecordsOfACutFileAndLeavesOutNonFiniteOnes) {
     EXPECT_NE(warnings[1].find("record 1)"), std::string::npos);
 }
 
-TEST(HeaderText, StopsAtTheNulOrTheFieldsEndAndMasksControlCharacters) {
+TEST(HeaderText, StopsAtTheNulOrBeforeACharacterCutAtTheFieldsEndAndMasksControlCharacters) {
     RecordingHeader header;
     std::memset(header.carPath, 'a', sizeof header.carPath);  // no NUL at all
     std::memcpy(header.driverName, "Line\nBreak\x7f", 12);
+    std::memset(header.profileName, 'a', sizeof header.profileName);
+    std::memcpy(header.profileName + 60, "\xC3\xB6\xE2\x82", 4);  // an o-umlaut, then a euro sign cut short
     EXPECT_EQ(HeaderText(header.carPath), std::string(63, 'a'));
     EXPECT_EQ(HeaderText(header.driverName), "Line?Break?");
+    EXPECT_EQ(HeaderText(header.profileName), std::string(60, 'a') + "\xC3\xB6");
 }
 
 TEST(LoadRecording, ReadsWhatTheReplayRecordedFromRealTelemetryAndACutCopyOfIt) {
