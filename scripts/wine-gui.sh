@@ -29,4 +29,9 @@ export WINEPREFIX="${WINEPREFIX:-$build_dir/wineprefix}"
 if [ -n "${DISPLAY:-}" ]; then
   exec "$wine_run" "$@"
 fi
+# A Wine server left over from a program run without a display keeps a desktop that can make no window:
+# let it end (or end it) so this program's server starts with the new display.
+if [ -d "$WINEPREFIX" ]; then
+  WINEPREFIX="$WINEPREFIX" timeout 20 wineserver -w 2>/dev/null || WINEPREFIX="$WINEPREFIX" wineserver -k 2>/dev/null || true
+fi
 exec xvfb-run -a -s "-screen 0 1920x1080x24 -nolisten tcp" "$wine_run" "$@"

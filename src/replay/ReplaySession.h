@@ -12,9 +12,14 @@ namespace veltor::replay {
 
 constexpr int64_t kRecordSpacingNanoseconds = 16666667;  // one 60 Hz tick of the virtual clock
 constexpr int32_t kMaxOutputsPerRecord = 12;
+// The recorder's writer idles 10 ms at a time and its ring holds 8191 samples, while the offline run
+// ticks far faster than 60 Hz: it pauses after each stretch so the writer keeps up.
+constexpr int32_t kRecorderPaceRecords = 2048;
+constexpr int32_t kRecorderPaceMilliseconds = 12;
 
 struct ReplayResult {
     std::vector<ForceRow> rows;  // every force store in order
+    uint32_t droppedSamples = 0;  // recording samples the ring refused; 0 unless the writer was starved
 };
 
 // Who drives which car: the scan of the file's session-info text ("generic" and the other defaults when

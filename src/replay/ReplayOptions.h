@@ -1,7 +1,9 @@
 #pragma once
 #include <string>
+#include <vector>
 
 #include "engine/EngineSettings.h"
+#include "profiles/CarCoefficients.h"
 
 namespace veltor::replay {
 
@@ -13,6 +15,8 @@ struct ReplayOptions {
     std::string carPath;     // used when hasCar
     bool hasCar = false;
     EngineSettings settings;  // the defaults, then --mode and each --set in the order given
+    std::wstring profileName = L"Replay";     // goes into the recording's header
+    std::vector<CarCoefficients> overrides;  // the engine's coefficient overrides; none from the command line
 };
 
 // False with a one-line reason for a missing or unknown option, an unknown key or a value that is no integer.

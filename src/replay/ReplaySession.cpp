@@ -1,9 +1,11 @@
 #include "ReplaySession.h"
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <thread>
 
 #include "engine/EngineLoop.h"
 #include "engine/FfbEngine.h"
@@ -14,13 +16,11 @@
 namespace veltor::replay {
 namespace {
 
-constexpr wchar_t kReplayProfileName[] = L"Replay";
-
 bool StartRecording(FfbEngine& engine, const ReplayOptions& options, const SessionIdentity& identity,
                     std::string& error) {
     const EngineSettings settings = engine.CopySettings();
     const CarRow row = engine.ResolveCarRow(identity.carPath, settings.UseCarSpecificSettings);
-    const RecordingHeader header = MakeRecordingHeader(identity.carPath, identity.driverName, kReplayProfileName,
+    const RecordingHeader header = MakeRecordingHeader(identity.carPath, identity.driverName, options.profileName,
                                                        settings, row, WallClockMilliseconds());
     if (engine.recorder.Start(WidenUtf8(options.recordPath), header, 0)) return true;
     error = "cannot write recording " + options.recordPath;
@@ -50,6 +50,7 @@ bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, Ib
                std::string& error) {
     FfbEngine engine;
     engine.PublishSettings(options.settings);
+    engine.PublishOverrides(options.overrides);
     IrsdkClient client;
     SelectRecord(image, 0);
     if (!client.AttachBlock(image.bytes.data(), image.bytes.size())) {
@@ -73,9 +74,13 @@ bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, Ib
         ReplayPlatform::virtualNow = static_cast<int64_t>(i) * kRecordSpacingNanoseconds;
         ReplayPlatform::currentFrame = i;
         loop.ProcessFrame(client, ReplayPlatform::virtualNow);
+        if (!options.recordPath.empty() && (i + 1) % kRecorderPaceRecords == 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(kRecorderPaceMilliseconds));
+        }
     }
     ReplayPlatform::rows = nullptr;
     engine.recorder.Stop();
+    result.droppedSamples = engine.recorder.DroppedSamples();
     return true;
 }
 

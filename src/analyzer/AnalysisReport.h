@@ -1,0 +1,24 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "analyzer/Advice.h"
+
+namespace veltor::analyzer {
+
+// Where the recording came from, for the report's first lines.
+struct ReportSource {
+    std::string fileName;       // UTF-8
+    bool fromTelemetry = false;  // made on the spot from a telemetry file
+};
+
+// The analysis as text: the header's facts, each finding with its numbers, the advice table and any
+// warnings of the reading. Lines end in '\n'; UTF-8.
+std::string FormatReport(const ReportSource& source, const Recording& recording, const Analysis& analysis,
+                         const Advice& advice);
+
+// "YYYY-MM-DD HH:MM:SS UTC" for milliseconds since 1970, or "unknown" for 0 or a time past the year 9999.
+std::string FormatStartTime(uint64_t startTimeMs);
+
+}  // namespace veltor::analyzer

@@ -1,0 +1,44 @@
+#pragma once
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "analyzer/AnalyzerInput.h"
+
+namespace veltor::analyzer {
+
+constexpr int kExitSuccess = 0;
+constexpr int kExitUsage = 1;           // the command line is not understood
+constexpr int kExitBadInput = 2;        // the file cannot be read or is no recording or telemetry file
+constexpr int kExitCannotWrite = 3;     // the advice file cannot be written
+constexpr int kExitNothingToAdvise = 4;  // the recording gives no reason to change a value: no file written
+
+enum class CommandKind {
+    Help,
+    Report,  // --report FILE, and a bare FILE as the program passes it
+    Advice,  // --advice FILE OUT.ini
+};
+
+struct AnalyzerCommand {
+    CommandKind kind = CommandKind::Help;
+    std::filesystem::path input;
+    std::filesystem::path output;
+};
+
+// What a run leaves for the user: text for the output stream, text for the error stream, an exit code.
+struct CommandOutcome {
+    int exitCode = kExitSuccess;
+    std::string out;
+    std::string err;
+};
+
+// Arguments as UTF-8, without the program's own name. False with a one-line reason.
+bool ParseAnalyzerArguments(const std::vector<std::string>& args, AnalyzerCommand& command, std::string& error);
+
+std::string UsageText(const std::string& programName);
+
+// Parses and runs the command line; messages name `programName`.
+CommandOutcome RunAnalyzer(const std::vector<std::string>& args, const std::string& programName,
+                           const SettingsForCar& settingsForCar);
+
+}  // namespace veltor::analyzer

@@ -1,0 +1,56 @@
+#pragma once
+// Recordings and folders the analyzer's tests build on.
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "engine/RecordingHook.h"
+#include "recording/RecordingHeader.h"
+#include "recording/RecordingSample.h"
+
+namespace veltor::test {
+
+inline const std::string kSampleTelemetry = std::string(VELTOR_DATA_DIR) + "/telemetry/mercedesamggt4_sample.ibt";
+
+inline RecordingHeader SampleHeader() {
+    return MakeRecordingHeader(L"bmwm4gt3", L"Test Driver", L"Driver 1", EngineSettings{}, kUnmatchedCarRow,
+                               1700000000000ull);
+}
+
+// `n` records 1/60 s apart with tick counts from 0: a car at 30 m/s, nothing clipped.
+inline std::vector<RecordingSample> SampleRecords(size_t n) {
+    std::vector<RecordingSample> samples(n);
+    for (size_t i = 0; i < n; ++i) {
+        samples[i].timeMicroseconds = i * 16667;
+        samples[i].tickCount = static_cast<int32_t>(i);
+        samples[i].speed = 30.0f;
+        samples[i].velocityX = 30.0f;
+        samples[i].fullScaleTorque = 40.0f;
+    }
+    return samples;
+}
+
+inline std::vector<uint8_t> RecordingBytes(const std::vector<RecordingSample>& samples,
+                                           const RecordingHeader& header = SampleHeader()) {
+    std::vector<uint8_t> bytes(sizeof header + samples.size() * sizeof(RecordingSample));
+    std::memcpy(bytes.data(), &header, sizeof header);
+    if (!samples.empty()) std::memcpy(bytes.data() + sizeof header, samples.data(), samples.size() * sizeof samples[0]);
+    return bytes;
+}
+
+// A fresh folder in the temporary folder, removed with everything in it.
+struct TempFolder {
+    TempFolder() {
+        path = std::filesystem::temp_directory_path() / ("veltor_analyzer_test_" + std::to_string(std::random_device{}()));
+        std::filesystem::create_directories(path);
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    std::filesystem::path path;
+};
+
+}  // namespace veltor::test
