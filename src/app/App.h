@@ -60,6 +60,10 @@ public:
     void OnCheckbox(int32_t id);
     void ReceiveAdvicePath(const std::wstring& path);
 
+    // The update notice at start and the "Update" button (UpdateFlow_win32.cpp).
+    void NotifyUpdateAtStart();
+    void RunUpdate();
+
     HINSTANCE Instance = nullptr;
     HWND Window = nullptr;
     HWND DeviceCombo = nullptr;

@@ -96,6 +96,7 @@ int App::AppRun(HINSTANCE instance, int showCommand, const std::wstring& adviceP
     if (!advicePath.empty()) ReceiveAdvicePath(advicePath);
     ListWheels(*this);
     SetTimer(Window, kStatusTimerId, kStatusTimerMilliseconds, nullptr);
+    NotifyUpdateAtStart();
 
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {

@@ -4,7 +4,12 @@ namespace veltor {
 
 // The window keeps its rows and value texts current; the commands behind the controls come with the
 // engine's controls, the profiles and the advice.
-LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) { return DefWindowProcW(Window, WM_COMMAND, wParam, lParam); }
+LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
+    switch (LOWORD(wParam)) {
+        case 1127: RunUpdate(); return 0;
+        default: return DefWindowProcW(Window, WM_COMMAND, wParam, lParam);
+    }
+}
 
 void App::OnTimer() {}
 

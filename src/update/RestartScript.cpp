@@ -45,4 +45,11 @@ std::wstring RestartScriptPath(std::wstring_view tempFolder, uint32_t tickCount)
     return std::wstring(tempFolder) + L"Veltor-Commercial-Update-" + std::to_wstring(tickCount) + L".cmd";
 }
 
+bool IsScriptSafePath(std::wstring_view path) {
+    for (const wchar_t c : path) {
+        if (c < 0x20 || c > 0x7E || c == L'%' || c == L'!' || c == L'"') return false;
+    }
+    return !path.empty();
+}
+
 }  // namespace veltor

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
-#include "ChildProcess_win32.h"
+#include "TestFeed_win32.h"
 #include "update/UpdateClient.h"
 
 // Runs against tests/update/feed_server.py, which scripts/test starts (tests/update/update-server.sh):
@@ -16,32 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path ServerDir() { return fs::path(test::ProgramPath(VELTOR_UPDATE_SERVER_DIR)); }
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void Put(const fs::path& path, const std::string& bytes) {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
-
-// Serves `body` at the feed path `urlPath`, with the scripted fault, or none for an empty one.
-void Serve(const std::string& urlPath, const std::string& body, const std::string& fault = "") {
-    const fs::path file = ServerDir() / "feed" / fs::path(urlPath.substr(1)).make_preferred();
-    Put(file, body);
-    fs::path sidecar = file;
-    sidecar += ".fault";
-    if (fault.empty()) {
-        fs::remove(sidecar);
-    } else {
-        Put(sidecar, fault);
-    }
-}
-
-bool ServerLogged(const std::string& line) { return ReadAll(ServerDir() / "requests.log").find(line) != std::string::npos; }
+using test::HashHex;
+using test::ReadAll;
+using test::Serve;
+using test::ServerDir;
+using test::ServerLogged;
 
 std::string Pattern(size_t size) {
     std::string bytes(size, '\0');
@@ -51,21 +28,10 @@ std::string Pattern(size_t size) {
 
 std::string Text(const std::vector<uint8_t>& bytes) { return std::string(bytes.begin(), bytes.end()); }
 
-std::wstring HashHex(const std::string& bytes) {
-    Sha256Digest digest{};
-    Sha256(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), digest);
-    std::wstring hex;
-    for (const uint8_t b : digest) {
-        hex += L"0123456789abcdef"[b >> 4];
-        hex += L"0123456789abcdef"[b & 15];
-    }
-    return hex;
-}
-
 class UpdateServer : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(fs::exists(ServerDir() / "server.pid"))
+        ASSERT_TRUE(test::ServerRuns())
             << "No update test server: start it with tests/update/update-server.sh start " << VELTOR_UPDATE_SERVER_DIR;
     }
 };
@@ -112,10 +78,10 @@ TEST_F(UpdateServer, HttpsGetOutcomes) {
 TEST_F(UpdateServer, ManifestThenCheckedDownload) {
     const std::string program = Pattern(200 * 1024);
     const std::string manifestPath = "/uploads/veltor/commercial/latest.json";
-    const auto manifestNaming = [](const std::wstring& hash) {
+    const auto manifestNaming = [](const std::string& hash) {
         return R"({"version":"0.1.0.135","appPath":"/uploads/veltor/commercial/0.1.0.135/Gripline.exe",)"
                R"("analyzerPath":"/uploads/veltor/commercial/0.1.0.135/Analyzer.exe","appSha256":")" +
-               std::string(hash.begin(), hash.end()) + "\"}";
+               hash + "\"}";
     };
     std::wstring host;
     const wchar_t* server = L"localhost";
@@ -126,7 +92,7 @@ TEST_F(UpdateServer, ManifestThenCheckedDownload) {
     const fs::path target = fs::path(test::TempPath(L"Veltor_Commercial.update.exe"));
     struct Case {
         const char* name;
-        std::wstring manifestHash;
+        std::string manifestHash;
         const char* fault;
         bool ok;
         const wchar_t* error;
@@ -136,7 +102,7 @@ TEST_F(UpdateServer, ManifestThenCheckedDownload) {
         {"matching hash", HashHex(program), "", true, L"", program},
         {"other hash", HashHex("another build"), "", false, L"the download does not match the manifest.", ""},
         {"cut, checked", HashHex(program), "cut 5000", false, L"the download does not match the manifest.", ""},
-        {"cut, unchecked", L"", "cut 5000", true, L"", program.substr(0, 5000)},
+        {"cut, unchecked", "", "cut 5000", true, L"", program.substr(0, 5000)},
     };
     for (const Case& c : cases) {
         Serve(manifestPath, manifestNaming(c.manifestHash));

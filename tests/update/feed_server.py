@@ -9,6 +9,11 @@ that scripts a fault for it:
     cut N       announce the whole file, send its first N bytes and close the connection
     slow S      send the file in ten pieces spread over S seconds
 
+The file --switch, when it exists, changes how the 127.0.0.1 and [::1] listeners greet a client:
+
+    untrusted   present the untrusted CA's certificate (it names localhost too)
+    down        close every connection before the handshake, as a server that is down
+
 Each request is appended to --log as "GET <path with query> <user agent>". Once both sockets listen, the
 file --ready is written. The server ends on SIGTERM, and by itself when the process --owner has gone, so
 a test run that dies does not keep port 443.
@@ -74,16 +79,42 @@ def make_handler(feed, log_path, log_lock):
     return Handler
 
 
-class Ipv6Server(http.server.ThreadingHTTPServer):
-    address_family = socket.AF_INET6
+def read_switch(path):
+    try:
+        with open(path, encoding="utf-8") as f:
+            return f.read().strip()
+    except OSError:
+        return ""
 
 
-def serve(address, cert, key, handler):
-    server = (Ipv6Server if ":" in address else http.server.ThreadingHTTPServer)((address, 443), handler)
-    server.daemon_threads = True
+def make_server(address, trusted, untrusted, switch, handler):
+    base = http.server.ThreadingHTTPServer
+
+    class Server(base):
+        address_family = socket.AF_INET6 if ":" in address else socket.AF_INET
+        daemon_threads = True
+
+        # The handshake happens here, per connection, so that --switch takes effect at once.
+        def get_request(self):
+            connection, client = self.socket.accept()
+            mode = read_switch(switch) if untrusted is not None else ""
+            if mode == "down":
+                connection.close()
+                raise OSError("refused: the switch says down")
+            context = untrusted if mode == "untrusted" else trusted
+            return context.wrap_socket(connection, server_side=True), client
+
+    return Server((address, 443), handler)
+
+
+def tls_context(cert, key):
     context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
     context.load_cert_chain(cert, key)
-    server.socket = context.wrap_socket(server.socket, server_side=True)
+    return context
+
+
+def serve(address, trusted, untrusted, switch, handler):
+    server = make_server(address, trusted, untrusted, switch, handler)
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return server
 
@@ -104,6 +135,7 @@ def main():
     parser.add_argument("--certs", required=True, help="folder written by test-ca.sh make")
     parser.add_argument("--log", required=True)
     parser.add_argument("--ready", required=True)
+    parser.add_argument("--switch", required=True)
     parser.add_argument("--owner", type=int, required=True)
     args = parser.parse_args()
 
@@ -111,13 +143,15 @@ def main():
     signal.signal(signal.SIGTERM, lambda *_: stop.set())
     signal.signal(signal.SIGINT, lambda *_: stop.set())
     handler = make_handler(args.feed, args.log, threading.Lock())
+    trusted = tls_context(f"{args.certs}/trusted.crt", f"{args.certs}/trusted.key")
+    untrusted = tls_context(f"{args.certs}/untrusted.crt", f"{args.certs}/untrusted.key")
     servers = [
-        serve("127.0.0.1", f"{args.certs}/trusted.crt", f"{args.certs}/trusted.key", handler),
-        serve("127.0.0.2", f"{args.certs}/untrusted.crt", f"{args.certs}/untrusted.key", handler),
+        serve("127.0.0.1", trusted, untrusted, args.switch, handler),
+        serve("127.0.0.2", untrusted, None, args.switch, handler),
     ]
     # Where localhost also names ::1, a client may try that first.
     try:
-        servers.append(serve("::1", f"{args.certs}/trusted.crt", f"{args.certs}/trusted.key", handler))
+        servers.append(serve("::1", trusted, untrusted, args.switch, handler))
     except OSError as error:
         print(f"no listener on [::1]:443: {error}", flush=True)
     with open(args.ready, "w", encoding="utf-8") as f:

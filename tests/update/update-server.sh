@@ -3,8 +3,10 @@
 #   update-server.sh start STATE_DIR [OWNER_PID]   serves STATE_DIR/feed; the server ends by itself, and
 #                                                  the CA is untrusted, once OWNER_PID (default: the caller) ends
 #   update-server.sh stop STATE_DIR
-# STATE_DIR holds the certificates, server.pid, requests.log and server.log. Start first clears what an
-# earlier run that died may have left: its server, a trusted test CA, a test server still on port 443.
+# STATE_DIR holds the certificates, server.pid, requests.log and server.log; a test may write
+# STATE_DIR/switch ("untrusted" or "down", see feed_server.py) to change how the server greets clients.
+# Start first clears what an earlier run that died may have left: its server, a trusted test CA, a test
+# server still on port 443.
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 action="${1:-}"
@@ -57,7 +59,7 @@ start() {
     echo "Port 443 is taken by another program: $(ss -Hltnp 'sport = :443')" >&2
     exit 1
   fi
-  rm -rf "$state/certs" "$state/ready"
+  rm -rf "$state/certs" "$state/ready" "$state/switch"
   mkdir -p "$state/feed"
   : >"$state/requests.log"
   "$here/test-ca.sh" make "$state/certs"
@@ -65,6 +67,7 @@ start() {
   # Its own session, so a Ctrl-C at the terminal does not skip the clean-up; when the server has ended,
   # for whatever reason, the CA goes too.
   setsid bash -c '"$1" --feed "$2/feed" --certs "$2/certs" --log "$2/requests.log" --ready "$2/ready" \
+                    --switch "$2/switch" \
                     --owner "$3" >"$2/server.log" 2>&1; "$4" untrust' \
     _ "$here/feed_server.py" "$state" "$owner" "$here/test-ca.sh" </dev/null >/dev/null 2>&1 &
   echo $! >"$state/guard.pid"

@@ -1,0 +1,407 @@
+// The update as a user meets it: a test build of the program (gripline_loopback, 0.1.0.134, asking the
+// test server on localhost) in a folder of its own, its log panel and its message boxes, answered by
+// pressing their buttons, and the real restart through cmd.exe into the newer test build
+// (gripline_loopback_next, 0.1.0.135) that the feed offers.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ChildProcess_win32.h"
+#include "ProgramWindow_win32.h"
+#include "TestFeed_win32.h"
+
+namespace veltor {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::ReadAll;
+using test::Serve;
+
+constexpr DWORD kDeadlineMs = 120000;  // generous: a busy machine, a cold prefix, cmd.exe's pauses
+constexpr int kUpdateButton = 1127;
+constexpr wchar_t kMainClass[] = L"VeltorCommercialWindow";
+
+const std::string kFolder = "/uploads/veltor/commercial/0.1.0.135/";
+const std::string kAppPath = kFolder + "Gripline.exe";
+const std::string kAnalyzerPath = kFolder + "VeltorCommercialAnalyzer.exe";
+
+std::string NewApp() { return ReadAll(test::ProgramPath(VELTOR_LOOPBACK_NEXT_EXE)); }
+std::string NewAnalyzer() { return ReadAll(test::ProgramPath(VELTOR_MARKER_EXE)); }
+
+// A manifest as the release script writes it: the four keys and both hashes.
+std::string Manifest(const std::string& version, const std::string& notes) {
+    return "{\n  \"version\": \"" + version + "\",\n  \"appPath\": \"" + kAppPath + "\",\n  \"analyzerPath\": \"" +
+           kAnalyzerPath + "\",\n  \"notes\": \"" + notes + "\",\n  \"appSha256\": \"" + test::HashHex(NewApp()) +
+           "\",\n  \"analyzerSha256\": \"" + test::HashHex(NewAnalyzer()) + "\"\n}\n";
+}
+
+// The feed offering `manifest`, with a fault for each of its three files, and the server's greeting.
+void SetFeed(const std::string& manifest, const char* manifestFault = "", const char* appFault = "",
+             const char* analyzerFault = "", const char* serverSwitch = "") {
+    Serve("/uploads/veltor/commercial/latest.json", manifest, manifestFault);
+    Serve(kAppPath, NewApp(), appFault);
+    Serve(kAnalyzerPath, NewAnalyzer(), analyzerFault);
+    test::SetServerSwitch(serverSwitch);
+}
+
+const fs::path kNewAppFile = fs::path(test::TempPath(L"Veltor_Commercial.update.exe"));
+const fs::path kNewAnalyzerFile = fs::path(test::TempPath(L"Veltor_Commercial_Analyzer.update.exe"));
+
+std::vector<fs::path> RestartScripts() {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(fs::path(test::TempPath(L"")))) {
+        const std::wstring name = entry.path().filename().wstring();
+        if (name.rfind(L"Veltor-Commercial-Update-", 0) == 0 && entry.path().extension() == L".cmd") {
+            found.push_back(entry.path());
+        }
+    }
+    return found;
+}
+
+void RemoveUpdateFiles() {
+    fs::remove(kNewAppFile);
+    fs::remove(kNewAnalyzerFile);
+    for (const fs::path& script : RestartScripts()) fs::remove(script);
+}
+
+template <typename Condition>
+bool WaitFor(Condition condition, DWORD timeoutMs = kDeadlineMs) {
+    const ULONGLONG until = GetTickCount64() + timeoutMs;
+    while (!condition()) {
+        if (GetTickCount64() > until) return false;
+        Sleep(20);
+    }
+    return true;
+}
+
+// The message boxes that a process has open.
+std::vector<HWND> Boxes(DWORD processId) {
+    struct Search {
+        DWORD processId;
+        std::vector<HWND> found;
+    } search{processId, {}};
+    EnumWindows(
+        [](HWND window, LPARAM context) -> BOOL {
+            auto& s = *reinterpret_cast<Search*>(context);
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            wchar_t name[16];
+            if (owner == s.processId && GetClassNameW(window, name, 16) > 0 && std::wstring(name) == L"#32770") {
+                s.found.push_back(window);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+// A box's message: the longest text among its labels.
+std::wstring BoxText(HWND box) {
+    std::wstring text;
+    EnumChildWindows(
+        box,
+        [](HWND child, LPARAM context) -> BOOL {
+            wchar_t name[16];
+            if (GetClassNameW(child, name, 16) > 0 && std::wstring(name) == L"Static") {
+                const std::wstring label = test::WindowText(child);
+                auto& longest = *reinterpret_cast<std::wstring*>(context);
+                if (label.size() > longest.size()) longest = label;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&text));
+    return text;
+}
+
+// The session log: the window's multi-line edit control, once the window has made it.
+HWND LogPanel(HWND window) {
+    HWND found = nullptr;
+    if (window == nullptr) return found;
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM context) -> BOOL {
+            wchar_t name[16];
+            const bool multiLine = (GetWindowLongW(child, GWL_STYLE) & ES_MULTILINE) != 0;
+            if (GetClassNameW(child, name, 16) == 0 || std::wstring(name) != L"Edit" || !multiLine) return TRUE;
+            *reinterpret_cast<HWND*>(context) = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+// Posted, as a click is: the program's thread may be about to block in the flow.
+void Click(HWND button) { PostMessageW(button, BM_CLICK, 0, 0); }
+
+// One run of the program, started from `exe` with the show command given.
+class Program {
+public:
+    Program(const std::wstring& exe, WORD showCommand) {
+        std::wstring line = L"\"" + exe + L"\"";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        startup.dwFlags = STARTF_USESHOWWINDOW;
+        startup.wShowWindow = showCommand;
+        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
+        WaitFor([&] {
+            Window = test::FindProcessWindow(info.dwProcessId, kMainClass);
+            Log = LogPanel(Window);
+            return Log != nullptr || Ended();
+        });
+        if (Log == nullptr) Window = nullptr;
+    }
+    ~Program() {
+        if (info.hProcess == nullptr) return;
+        if (!Ended()) {
+            PostMessageW(Window, WM_CLOSE, 0, 0);
+            if (WaitForSingleObject(info.hProcess, kDeadlineMs) != WAIT_OBJECT_0) TerminateProcess(info.hProcess, 99);
+        }
+        CloseHandle(info.hThread);
+        CloseHandle(info.hProcess);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    bool Ended() const { return WaitForSingleObject(info.hProcess, 0) == WAIT_OBJECT_0; }
+    // The exit code once the process has ended within the deadline, or -1.
+    long WaitForExit() const {
+        DWORD code = 0;
+        if (WaitForSingleObject(info.hProcess, kDeadlineMs) != WAIT_OBJECT_0) return -1;
+        return GetExitCodeProcess(info.hProcess, &code) ? static_cast<long>(code) : -1;
+    }
+    DWORD Id() const { return info.dwProcessId; }
+    std::wstring LogText() const { return test::WindowText(Log); }
+    bool WaitForLog(const std::wstring& text) const {
+        return WaitFor([&] { return LogText().find(text) != std::wstring::npos; });
+    }
+    // Returns once the program's thread takes messages again, in its loop or in a box's.
+    void Settle() const {
+        DWORD_PTR result = 0;
+        SendMessageTimeoutW(Window, WM_NULL, 0, 0, SMTO_NORMAL, kDeadlineMs, &result);
+    }
+    // The first message box of the program once it shows its text and buttons, or null.
+    HWND WaitForBox() const {
+        HWND box = nullptr;
+        WaitFor([&] {
+            const std::vector<HWND> boxes = Boxes(Id());
+            box = boxes.empty() ? nullptr : boxes.front();
+            const bool ready = box != nullptr && IsWindowVisible(box) && !BoxText(box).empty() &&
+                               (GetDlgItem(box, IDOK) != nullptr || GetDlgItem(box, IDNO) != nullptr);
+            return ready || Ended();
+        });
+        return Ended() ? nullptr : box;
+    }
+
+    HWND Window = nullptr;
+    HWND Log = nullptr;
+
+private:
+    PROCESS_INFORMATION info{};
+};
+
+// The program's folder, with a blank and a letter beyond ASCII in its name, holding the test build as
+// Gripline.exe and a stand-in analyzer.
+class UpdateFlow : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(test::ServerRuns()) << "No update test server: start it with tests/update/update-server.sh start "
+                                        << VELTOR_UPDATE_SERVER_DIR;
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        ASSERT_TRUE(fs::copy_file(test::ProgramPath(VELTOR_LOOPBACK_EXE), app));
+        test::Put(analyzer, "the analyzer of 0.1.0.134");
+        RemoveUpdateFiles();
+    }
+    void TearDown() override {
+        test::SetServerSwitch("");
+        EndStrayPrograms();
+        RemoveUpdateFiles();
+        std::error_code ignored;
+        fs::remove_all(folder, ignored);
+    }
+
+    // Presses "Update", answers the question if one is expected, and waits until the flow has ended with
+    // exactly `lines` in the log behind the first.
+    void PressUpdate(const Program& program, const wchar_t* question, int answer, const std::vector<std::wstring>& lines) {
+        const std::wstring before = program.LogText();
+        Click(GetDlgItem(program.Window, kUpdateButton));
+        if (question != nullptr) {
+            HWND box = program.WaitForBox();
+            ASSERT_NE(box, nullptr) << "no question";
+            EXPECT_EQ(BoxText(box), question);
+            Click(GetDlgItem(box, answer));
+            EXPECT_TRUE(WaitFor([&] { return !IsWindow(box); })) << "the question stayed";
+        }
+        std::wstring expected = before + L"Checking for Commercial updates...\r\n";
+        for (const std::wstring& line : lines) expected += line + L"\r\n";
+        EXPECT_TRUE(WaitFor([&] { return program.LogText() == expected; })) << testing::PrintToString(program.LogText());
+        program.Settle();
+        EXPECT_EQ(program.LogText(), expected);
+        EXPECT_TRUE(Boxes(program.Id()).empty());
+    }
+
+    // Whatever a failed test left running: the old program or the new one.
+    void EndStrayPrograms() {
+        for (HWND window = FindWindowW(kMainClass, nullptr); window != nullptr; window = FindWindowW(kMainClass, nullptr)) {
+            DWORD id = 0;
+            GetWindowThreadProcessId(window, &id);
+            HANDLE process = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id);
+            if (process == nullptr) break;
+            TerminateProcess(process, 99);
+            WaitForSingleObject(process, kDeadlineMs);
+            CloseHandle(process);
+        }
+    }
+
+    const fs::path folder = fs::path(test::TempPath(L"Gripline \u00dcpdate test"));
+    const fs::path app = folder / L"Gripline.exe";
+    const fs::path analyzer = folder / L"Veltor Commercial Analyzer.exe";
+};
+
+TEST_F(UpdateFlow, NoticeAtStartThenEveryFailureLeavesTheProgramThenTheRestartIntoTheNewVersion) {
+    SetFeed(Manifest("0.1.0.135", "Smoother grip model, tested in Z\xC3\xBCrich."));
+    const std::string oldApp = ReadAll(app);
+    auto program = std::make_unique<Program>(app.wstring(), SW_SHOWNORMAL);
+    ASSERT_NE(program->Window, nullptr) << "no window; exit code " << program->WaitForExit();
+
+    // At start: two lines, then the notice, which the user dismisses.
+    EXPECT_TRUE(program->WaitForLog(L"Update available: version 0.1.0.135. Click Update to install.\r\n"
+                                    L"Update note: Smoother grip model, tested in Z\u00fcrich.\r\n"));
+    HWND notice = program->WaitForBox();
+    ASSERT_NE(notice, nullptr);
+    EXPECT_EQ(test::WindowText(notice), L"Gripline");
+    EXPECT_EQ(BoxText(notice), L"A new version of Gripline is available: 0.1.0.135.\n\n"
+                               L"Smoother grip model, tested in Z\u00fcrich.\n\n"
+                               L"Click the Update button to download and install it.");
+    EXPECT_EQ(GetDlgItem(notice, IDYES), nullptr);
+    Click(GetDlgItem(notice, IDOK));
+    EXPECT_TRUE(WaitFor([&] { return !IsWindow(notice); }));
+    EXPECT_TRUE(test::ServerLogged("GET /uploads/veltor/commercial/latest.json?v=0.1.0.134 Veltor Updater/0.1.0.134\n"));
+
+    const wchar_t* question = L"Version 0.1.0.135 is available.\n\nSmoother grip model, tested in Z\u00fcrich.\n\n"
+                              L"Download the new app and analyzer, replace the current files, and restart now?";
+    const std::string offer = Manifest("0.1.0.135", "Smoother grip model, tested in Z\xC3\xBCrich.");
+    const std::wstring downloadingApp = L"Downloading Gripline.exe v0.1.0.135...";
+    const std::wstring downloadingAnalyzer = L"Downloading VeltorCommercialAnalyzer.exe v0.1.0.135...";
+    const struct {
+        const char* name;
+        std::string manifest;
+        const char* manifestFault;
+        const char* appFault;
+        const char* analyzerFault;
+        const char* serverSwitch;
+        int answer;  // to the question, or 0 where none may come
+        std::vector<std::wstring> lines;
+        bool appFileStays;
+    } cases[] = {
+        {"status 500", offer, "status 500", "", "", "", 0,
+         {L"Update check failed: The update server returned HTTP 500."}, false},
+        {"manifest without appPath", R"({"version":"0.1.0.135","analyzerPath":"/a.exe"})", "", "", "", "", 0,
+         {L"Update check failed: the update manifest is invalid."}, false},
+        {"untrusted certificate", offer, "", "", "", "untrusted", 0,
+         {L"Update check failed: The update server did not respond."}, false},
+        {"lower version", Manifest("0.1.0.9", ""), "", "", "", "", 0,
+         {L"No update available. Current version: 0.1.0.134."}, false},
+        {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", "", "", "", 0,
+         {L"No update available. Current version: 0.1.0.134.", L"Feed note: Same build, new notes."}, false},
+        {"answered No", offer, "", "", "", "", IDNO, {}, false},
+        {"app download fails", offer, "", "status 500", "", "", IDYES,
+         {downloadingApp, L"Update failed while downloading the app: The update server returned HTTP 500."}, false},
+        {"app download cut short", offer, "", "cut 20000", "", "", IDYES,
+         {downloadingApp, L"Update failed while downloading the app: the download does not match the manifest."},
+         false},
+        {"analyzer download fails", offer, "", "", "status 503", "", IDYES,
+         {downloadingApp, downloadingAnalyzer,
+          L"Update failed while downloading the analyzer: The update server returned HTTP 503."},
+         true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        RemoveUpdateFiles();
+        SetFeed(c.manifest, c.manifestFault, c.appFault, c.analyzerFault, c.serverSwitch);
+        const size_t requestsBefore = test::ServerRequests().size();
+        PressUpdate(*program, c.answer != 0 ? question : nullptr, c.answer, c.lines);
+
+        EXPECT_FALSE(program->Ended());
+        EXPECT_TRUE(ReadAll(app) == oldApp) << "the program changed";
+        EXPECT_EQ(ReadAll(analyzer), "the analyzer of 0.1.0.134");
+        EXPECT_TRUE(ReadAll(kNewAppFile) == (c.appFileStays ? NewApp() : "")) << "the app's update file";
+        EXPECT_FALSE(fs::exists(kNewAnalyzerFile));
+        EXPECT_TRUE(RestartScripts().empty());
+        const bool downloaded = test::ServerRequests().find(kFolder, requestsBefore) != std::string::npos;
+        EXPECT_EQ(downloaded, c.answer == IDYES);
+    }
+
+    // Accepted: the program closes, the script puts both files in place and starts the new version.
+    RemoveUpdateFiles();
+    SetFeed(Manifest("0.1.0.135", ""));
+    Click(GetDlgItem(program->Window, kUpdateButton));
+    HWND box = program->WaitForBox();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(BoxText(box), L"Version 0.1.0.135 is available.\n\n"
+                            L"Download the new app and analyzer, replace the current files, and restart now?");
+    Click(GetDlgItem(box, IDYES));
+    // The old program goes down by the normal close, to the end of its message loop.
+    EXPECT_EQ(program->WaitForExit(), 0);
+
+    HWND next = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (next = FindWindowW(kMainClass, L"Gripline v0.1.0.135")) != nullptr; }))
+        << "the new version did not start";
+    EXPECT_TRUE(test::ServerLogged("GET " + kAppPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
+    EXPECT_TRUE(test::ServerLogged("GET " + kAnalyzerPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
+    EXPECT_TRUE(ReadAll(app) == NewApp()) << "the program was not replaced";
+    EXPECT_TRUE(ReadAll(analyzer) == NewAnalyzer()) << "the analyzer was not replaced";
+    EXPECT_FALSE(fs::exists(kNewAppFile));
+    EXPECT_FALSE(fs::exists(kNewAnalyzerFile));
+    EXPECT_TRUE(WaitFor([] { return RestartScripts().empty(); })) << "the script stayed";
+
+    DWORD nextId = 0;
+    GetWindowThreadProcessId(next, &nextId);
+    HANDLE nextProcess = OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, nextId);
+    ASSERT_NE(nextProcess, nullptr);
+    wchar_t image[MAX_PATH] = {};
+    DWORD imageLength = MAX_PATH;
+    EXPECT_TRUE(QueryFullProcessImageNameW(nextProcess, 0, image, &imageLength));
+    EXPECT_TRUE(fs::equivalent(image, app)) << testing::PrintToString(std::wstring(image));
+    // The new version asks with its own version, is offered nothing newer, and says nothing.
+    EXPECT_TRUE(WaitFor([] { return test::ServerLogged("latest.json?v=0.1.0.135 Veltor Updater/0.1.0.135\n"); }));
+    DWORD_PTR ignored = 0;
+    SendMessageTimeoutW(next, WM_NULL, 0, 0, SMTO_NORMAL, kDeadlineMs, &ignored);
+    EXPECT_TRUE(Boxes(nextId).empty());
+    EXPECT_EQ(test::WindowText(LogPanel(next)).find(L"Update"), std::wstring::npos);
+    PostMessageW(next, WM_CLOSE, 0, 0);
+    EXPECT_EQ(WaitForSingleObject(nextProcess, kDeadlineMs), WAIT_OBJECT_0);
+    CloseHandle(nextProcess);
+}
+
+TEST_F(UpdateFlow, MinimisedStartLogsTheOfferWithoutABox) {
+    SetFeed(Manifest("0.1.0.135", "Smoother."));
+    Program program(app.wstring(), SW_SHOWMINNOACTIVE);
+    ASSERT_NE(program.Window, nullptr);
+    EXPECT_TRUE(program.WaitForLog(L"Update available: version 0.1.0.135. Click Update to install.\r\n"
+                                   L"Update note: Smoother.\r\n"));
+    program.Settle();
+    EXPECT_TRUE(IsIconic(program.Window));
+    EXPECT_TRUE(Boxes(program.Id()).empty());
+}
+
+TEST_F(UpdateFlow, StartWithTheServerDownLeavesNoTraceButAPressSaysSo) {
+    SetFeed(Manifest("0.1.0.135", "Smoother."), "", "", "", "down");
+    Program program(app.wstring(), SW_SHOWNORMAL);
+    ASSERT_NE(program.Window, nullptr);
+    // The wheels are listed just before the check; once they are, the next message waits for its end.
+    EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
+    program.Settle();
+    EXPECT_TRUE(Boxes(program.Id()).empty());
+    EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    PressUpdate(program, nullptr, 0, {L"Update check failed: The update server did not respond."});
+}
+
+}  // namespace
+}  // namespace veltor
