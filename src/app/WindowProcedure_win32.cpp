@@ -72,12 +72,15 @@ LRESULT App::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
 }
 
-// The end of a run, in this order: the log window, the engine, the one save of the store, then GDI+ (the
-// bitmap before the stream it reads, both before the shutdown) and the window's GDI objects.
+// The end of a run, in this order: the log window, a torque edit that never lost the focus, the engine, the
+// one save of the store, then GDI+ (the bitmap before the stream it reads, both before the shutdown) and the
+// window's GDI objects.
 void App::Teardown() {
     if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
     LogWindow = nullptr;
+    Tracking().ApplyTorqueField();
     Engine.Stop();
+    Tracking().SaveAll();
     if (LogoBitmap != nullptr) Gdiplus::DllExports::GdipDisposeImage(LogoBitmap);
     LogoBitmap = nullptr;
     if (LogoStream != nullptr) LogoStream->Release();

@@ -41,7 +41,8 @@ struct Child {
     const wchar_t* text;
 };
 
-// The window as a driver sees it after a start with no INI file and no wheel.
+// The window as a driver sees it after a start with no INI file and no wheel: the one profile "Default", and
+// the car panel showing the set for an unknown car, since none has been seen.
 const Child kLayout[] = {
         {L"Static", 0, {48, 188, 220, 20}, 0x50000080, 0, Body, L"FORCE FEEDBACK DEVICE"},
         {L"ComboBox", 1000, {48, 214, 250, 280}, 0x50010003, 0, Body, L""},
@@ -49,7 +50,7 @@ const Child kLayout[] = {
         {L"ComboBox", 1003, {48, 294, 250, 280}, 0x50010003, 0, Body, L"360 Hz telemetry"},
         {L"Static", 0, {48, 326, 220, 20}, 0x50000080, 0, Body, L"DRIVER PROFILE"},
         // Made with 0x50210002: the combo box hands the vertical scroll bar on to its list.
-        {L"ComboBox", 1008, {48, 350, 250, 280}, 0x50010002, 0, Body, L""},
+        {L"ComboBox", 1008, {48, 350, 250, 280}, 0x50010002, 0, Body, L"Default"},
         {L"Button", 1009, {48, 390, 118, 34}, 0x50010000, 0, Body, L"New"},
         {L"Button", 1010, {180, 390, 118, 34}, 0x50010000, 0, Body, L"Save"},
         {L"Button", 1001, {48, 442, 118, 34}, 0x50010000, 0, Body, L"Start"},
@@ -110,15 +111,15 @@ const Child kLayout[] = {
         {L"Static", 0, {978, 428, 174, 22}, 0x50000080, 0, Body, L"Force reduction"},
         {L"Static", 0, {1158, 428, 64, 22}, 0x50000002, 0, Body, L"95%"},
         {L"VeltorSlider", 1115, {978, 454, 244, 30}, 0x50010000, 0, None, L""},
-        {L"Static", 0, {1298, 188, 244, 22}, 0x50000080, 0, Body, L"Car: generic"},
+        {L"Static", 0, {1298, 188, 244, 22}, 0x50000080, 0, Body, L"Car: generic (unknown)"},
         {L"Static", 0, {1298, 218, 174, 22}, 0x50000080, 0, Body, L"Steering build-up"},
-        {L"Static", 0, {1478, 218, 64, 22}, 0x50000002, 0, Body, L"44.0"},
+        {L"Static", 0, {1478, 218, 64, 22}, 0x50000002, 0, Body, L"40.0"},
         {L"VeltorSlider", 1116, {1298, 244, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 288, 174, 22}, 0x50000080, 0, Body, L"Extra load in big steering"},
         {L"Static", 0, {1478, 288, 64, 22}, 0x50000002, 0, Body, L"0.000"},
         {L"VeltorSlider", 1117, {1298, 314, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 358, 174, 22}, 0x50000080, 0, Body, L"Cornering load balance"},
-        {L"Static", 0, {1478, 358, 64, 22}, 0x50000002, 0, Body, L"110"},
+        {L"Static", 0, {1478, 358, 64, 22}, 0x50000002, 0, Body, L"90"},
         {L"VeltorSlider", 1118, {1298, 384, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 428, 174, 22}, 0x50000080, 0, Body, L"Understeer weight"},
         {L"Static", 0, {1478, 428, 64, 22}, 0x50000002, 0, Body, L"1.00"},
@@ -379,10 +380,12 @@ TEST_F(MainWindow, SliderKeysMoveTheValueAndItsText) {
     }
 }
 
-// Closing the window ends the process with 0; nothing of the engine was started.
-TEST_F(MainWindow, ClosingTheWindowEndsTheRunWithExitCodeZero) {
+// Closing the window ends the process with 0 and saves the store beside the program, where there was none.
+TEST_F(MainWindow, ClosingTheWindowSavesTheStoreAndEndsWithExitCodeZero) {
+    ASSERT_FALSE(folder.Holds(L"Veltor_profiles.ini"));
     PostMessageW(window, WM_CLOSE, 0, 0);
     EXPECT_EQ(program->WaitForExit(), 0);
+    EXPECT_TRUE(folder.Holds(L"Veltor_profiles.ini"));
 }
 
 // App's own window in this process: AppRun runs until a thread timer has read the fonts and closed it.
