@@ -62,7 +62,16 @@ public:
     void OnTimer();
     void OnSlider(HWND slider, int32_t value);
     void OnCheckbox(int32_t id);
-    void ReceiveAdvicePath(const std::wstring& path);
+    void ApplyAdviceFile(const std::wstring& path);
+
+    // The engine, the recording, the analyzer and the log window (EngineCommands_win32.cpp).
+    void StartEngine();
+    void StopEngine();
+    void StartRecording();
+    void StopRecording();
+    void LaunchAnalyzer();
+    void ShowLogWindow();
+    void LogClippingReport(const EngineStatus& status);
 
     // The profile store's state on the controls and in the engine: the view of DriverTracking
     // (SettingsView_win32.cpp).

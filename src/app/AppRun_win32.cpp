@@ -97,7 +97,7 @@ int App::AppRun(HINSTANCE instance, int showCommand, const std::wstring& adviceP
     Store.LoadProfiles();
 
     if (!CreateMainWindow(showCommand)) return 1;
-    if (!advicePath.empty()) ReceiveAdvicePath(advicePath);
+    if (!advicePath.empty()) ApplyAdviceFile(advicePath);
     ListWheels(*this);
     SetTimer(Window, kStatusTimerId, kStatusTimerMilliseconds, nullptr);
 

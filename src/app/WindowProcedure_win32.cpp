@@ -20,7 +20,7 @@ LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
     const auto* text = static_cast<const wchar_t*>(data->lpData);
     std::wstring path(text, data->cbData / sizeof(wchar_t));
     path.resize(path.find(L'\0') == std::wstring::npos ? path.size() : path.find(L'\0'));
-    app.ReceiveAdvicePath(path);
+    app.ApplyAdviceFile(path);
     return 1;
 }
 
@@ -79,7 +79,7 @@ void App::Teardown() {
     if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
     LogWindow = nullptr;
     Tracking().ApplyTorqueField();
-    Engine.Stop();
+    StopEngine();
     Tracking().SaveAll();
     if (LogoBitmap != nullptr) Gdiplus::DllExports::GdipDisposeImage(LogoBitmap);
     LogoBitmap = nullptr;
