@@ -1,7 +1,8 @@
 // Pacing of the real engine thread: a simulator thread sets the data-valid event at 60 Hz with six
 // sub-samples a frame; the engine runs each output mode for a while. Prints, per mode, the lateness of each
 // store to commandedForce against its target offset from t0, the latency from the event being set to the
-// first store of the tick, and the engine thread's CPU time per second.
+// first store of the tick, and the engine thread's CPU time per second. The same run first measures the
+// platform's floor, a bare thread woken by the event with no engine, and prints each latency as a ratio to it.
 #include <pthread.h>
 #include <time.h>
 
@@ -17,7 +18,8 @@
 
 #include "TelemetryLayoutWriter.h"
 #include "engine/EnginePlatform.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
+#include "platform/ThreadControl.h"
 #include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
 
@@ -93,7 +95,38 @@ double ThreadCpuSeconds(std::thread& thread) {
     return t.tv_sec + t.tv_nsec / 1e9;
 }
 
-void RunMode(int mode, int seconds) {
+// Event set -> wake-up of a thread that does nothing else, at the engine thread's priority (p50, p99; us).
+struct Floor {
+    double p50 = 0.0;
+    double p99 = 0.0;
+};
+
+Floor MeasureFloor(int seconds) {
+    std::vector<int64_t> wakes;
+    wakes.reserve(static_cast<size_t>(seconds) * 70);
+    std::atomic<bool> done{false};
+    std::thread waiter([&] {
+        SetCurrentThreadPriorityHighest();
+        link::Handle event = link::OpenDataValidEvent();
+        while (!done.load()) {
+            if (link::WaitForEvent(event, 100) != link::WaitResult::Signalled) continue;
+            const int64_t now = SteadyNowNanoseconds();
+            if (wakes.size() < wakes.capacity()) wakes.push_back(now - gLastEventSet.load());
+        }
+        link::CloseLinkHandle(event);
+    });
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    done.store(true);
+    waiter.join();
+    const Floor floor{Percentile(wakes, 0.50), Percentile(wakes, 0.99)};
+    std::printf("floor: event set -> bare wake-up, no engine, %zu ticks (us): p50 %.1f  p99 %.1f\n", wakes.size(),
+                floor.p50, floor.p99);
+    return floor;
+}
+
+double Ratio(double value, double floor) { return floor > 0.0 ? value / floor : 0.0; }
+
+void RunMode(int mode, int seconds, const Floor& floor) {
     gMeasure = Measurements{};
     FfbEngine engine;
     EngineSettings settings;
@@ -117,8 +150,10 @@ void RunMode(int mode, int seconds) {
                 lateness.size(), latency.size());
     std::printf("  lateness vs target offset from t0 (us): p50 %.1f  p99 %.1f  max %.1f\n", Percentile(lateness, 0.50),
                 Percentile(lateness, 0.99), maxLate / 1000.0);
-    std::printf("  event set -> first store of the tick (us): p50 %.1f  p99 %.1f\n", Percentile(latency, 0.50),
-                Percentile(latency, 0.99));
+    const double p50 = Percentile(latency, 0.50);
+    const double p99 = Percentile(latency, 0.99);
+    std::printf("  event set -> first store of the tick (us): p50 %.1f (%.1fx floor)  p99 %.1f (%.1fx floor)\n", p50,
+                Ratio(p50, floor.p50), p99, Ratio(p99, floor.p99));
     std::printf("  engine thread CPU: %.1f ms per second (%.1f %%)\n", (cpuAfter - cpuBefore) * 1000.0 / wall,
                 (cpuAfter - cpuBefore) * 100.0 / wall);
 }
@@ -149,8 +184,9 @@ int main(int argc, char** argv) {
         }
     });
     std::printf("Engine pacing benchmark (host, %u hardware threads)\n", std::thread::hardware_concurrency());
-    RunMode(0, seconds);
-    RunMode(1, seconds);
+    const Floor floor = MeasureFloor(seconds);
+    RunMode(0, seconds, floor);
+    RunMode(1, seconds, floor);
     stop.store(true);
     simulator.join();
     return 0;

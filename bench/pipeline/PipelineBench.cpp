@@ -11,7 +11,8 @@
 #include "AllocationCounter.h"
 #include "IbtImage.h"
 #include "ReplaySession.h"
-#include "recording/RecordingHook.h"
+#include "engine/RecordingHook.h"
+#include "platform/SteadyClock.h"
 
 namespace {
 
@@ -68,20 +69,20 @@ void PrintHookCost() {
     TelemetryFrame frame;
     frame.tickCount = 1;
     GripResult grip;
-    float base[6] = {1, 2, 3, 4, 5, 6};
-    float texture[6] = {0.5f, -0.7f, 0.2f, 0.9f, -0.1f, 0.3f};
-    float correction[6] = {};
-    float vibration[12] = {};
+    float base[kMaxSubSamples] = {1, 2, 3, 4, 5, 6};
+    float texture[kMaxSubSamples] = {0.5f, -0.7f, 0.2f, 0.9f, -0.1f, 0.3f};
+    float correction[kMaxSubSamples] = {};
+    float vibration[kMaxOutputsPerTick] = {};
     EngineSettings settings;
     const TickSignals tick{frame, grip, base, texture, correction, vibration, 6, false, 1.0f, settings};
     auto recorder = std::make_unique<TelemetryRecorder>();
 
     Clock::time_point start = Clock::now();
-    for (int i = 0; i < kHookCalls; ++i) RecordTick(*recorder, tick, i);
+    for (int i = 0; i < kHookCalls; ++i) RecordTick(*recorder, tick, &SteadyNowNanoseconds);
     const double idle = Seconds(Clock::now() - start) * 1e9 / kHookCalls;
 
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "veltor_bench_hook.vtrrec";
-    if (!recorder->Start(path.wstring(), RecordingHeader{}, 0)) {
+    if (!recorder->Start(path.wstring(), RecordingHeader{})) {
         std::printf("recording hook: cannot create %s\n", path.string().c_str());
         return;
     }
@@ -90,7 +91,7 @@ void PrintHookCost() {
     Clock::duration pushing{};
     for (int run = 0; run < kHookCalls / kHookRun; ++run) {
         start = Clock::now();
-        for (int i = 0; i < kHookRun; ++i) RecordTick(*recorder, tick, (run * kHookRun + i) * 16666667LL);
+        for (int i = 0; i < kHookRun; ++i) RecordTick(*recorder, tick, &SteadyNowNanoseconds);
         pushing += Clock::now() - start;
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
     }

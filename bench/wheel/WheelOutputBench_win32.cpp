@@ -1,7 +1,8 @@
 // The wheel's side of the force path under Wine: a simulated 60 Hz drive, the real engine thread, the
 // product's wheel and the virtual wheel DLL. Prints the latency from the simulator setting its event to the
 // virtual wheel receiving a SetParameters that carries that tick's first output (p50, p99), the output
-// passes per second and the output thread's CPU time per second.
+// passes per second and the output thread's CPU time per second. The same run first measures the platform's
+// floor, a bare thread woken by the simulator's event with no engine, and prints the latency as a ratio to it.
 #include <windows.h>
 #include <tlhelp32.h>
 
@@ -18,7 +19,7 @@
 
 #include "SimulatedDrive_win32.h"
 #include "engine/EnginePlatform.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
 #include "wheel/WheelDevice.h"
 
 namespace {
@@ -128,6 +129,30 @@ void MeasureLatency(const test::SimulatedDrive& drive, const std::vector<SetPara
 
 }  // namespace
 
+// Event set -> wake-up of a thread at the engine's priority that does nothing else (us).
+std::vector<int64_t> MeasureFloor(int seconds) {
+    test::SimulatedDrive drive(static_cast<size_t>(seconds + 2) * 60);
+    std::vector<int64_t> wakes;
+    if (!drive.Start()) return wakes;
+    HANDLE event = OpenEventW(SYNCHRONIZE, FALSE, L"Local\\IRSDKDataValidEvent");
+    wakes.reserve(static_cast<size_t>(seconds) * 70);
+    std::thread waiter([&] {
+        SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_HIGHEST);
+        const int64_t end = test::CounterMicroseconds() + seconds * 1000000LL;
+        while (test::CounterMicroseconds() < end) {
+            if (WaitForSingleObject(event, 100) != WAIT_OBJECT_0) continue;
+            const int64_t now = test::CounterMicroseconds();
+            if (wakes.size() < wakes.capacity()) wakes.push_back(now - drive.EventMicroseconds(drive.TickCount()));
+        }
+    });
+    waiter.join();
+    drive.Stop();
+    if (event != nullptr) CloseHandle(event);
+    return wakes;
+}
+
+double Ratio(int64_t value, int64_t floor) { return floor > 0 ? static_cast<double>(value) / static_cast<double>(floor) : 0.0; }
+
 int main(int argc, char** argv) {
     int seconds = 20;
     int mode = 0;
@@ -143,6 +168,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "No wheel: run with WINEDLLOVERRIDES=dinput8=n and dinput8.dll beside the program.\n");
         return 1;
     }
+
+    const std::vector<int64_t> floor = MeasureFloor(seconds);
+    const int64_t floor50 = Percentile(floor, 0.50);
+    const int64_t floor99 = Percentile(floor, 0.99);
 
     FfbEngine engine;
     EngineSettings settings;
@@ -178,9 +207,13 @@ int main(int argc, char** argv) {
     const double window = static_cast<double>(wallAfter - wallBefore) / 1e6;
 
     std::printf("Wheel output under Wine: mode %d, %d s of a 60 Hz drive, virtual wheel DLL\n", mode, seconds);
-    std::printf("  event set -> SetParameters with the tick's first output: p50 %lld us, p99 %lld us, max %lld us"
-                " (%zu ticks, %zu not carried)\n",
-                static_cast<long long>(Percentile(latencies, 0.50)), static_cast<long long>(Percentile(latencies, 0.99)),
+    std::printf("  floor: event set -> bare wake-up, no engine: p50 %lld us, p99 %lld us (%zu ticks)\n",
+                static_cast<long long>(floor50), static_cast<long long>(floor99), floor.size());
+    const int64_t p50 = Percentile(latencies, 0.50);
+    const int64_t p99 = Percentile(latencies, 0.99);
+    std::printf("  event set -> SetParameters with the tick's first output: p50 %lld us (%.1fx floor), p99 %lld us"
+                " (%.1fx floor), max %lld us (%zu ticks, %zu not carried)\n",
+                static_cast<long long>(p50), Ratio(p50, floor50), static_cast<long long>(p99), Ratio(p99, floor99),
                 static_cast<long long>(Percentile(latencies, 1.0)), latencies.size(), missed);
     std::printf("  output passes per second: %.0f\n", static_cast<double>(passes) / window);
     if (outputThread != nullptr) {

@@ -1,16 +1,23 @@
 #pragma once
 // The engine thread: finds the simulator, silences its force, opens the wheel, and turns each new
-// telemetry frame into a burst of outputs paced on the steady clock. Included by FfbEngine.h.
+// telemetry frame into a burst of outputs paced on the steady clock.
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <system_error>
+#include <thread>
 
-#include "engine/BaseSignal.h"
+#include "engine/AbsVibration.h"
+#include "engine/BaseTorque.h"
+#include "engine/CorrectionRamp.h"
 #include "engine/FfbEngine.h"
 #include "engine/GripModel.h"
+#include "engine/MixForce.h"
+#include "engine/OutputStage.h"
+#include "engine/RecordingHook.h"
 #include "engine/RoadTexture.h"
-#include "engine/ThreadControl.h"
-#include "recording/RecordingHook.h"
+#include "engine/SteeringLock.h"
+#include "platform/ThreadControl.h"
 #include "telemetry/IrsdkClient.h"
 #include "telemetry/SessionInfoScanner.h"
 
@@ -22,13 +29,16 @@ constexpr int32_t kSpacingSleepMicroseconds = 2000;         // of each 2760 µs 
 constexpr uint32_t kEventWaitMilliseconds = 100;
 constexpr int32_t kRetrySleepMilliseconds = 500;
 constexpr float kParkedSpeed = 2.0f;                        // m/s
+constexpr float kForceFixedPointOne = 65536.0f;             // the broadcast's newton metres are 16.16
+constexpr float kSuppressionNewtonMetres = 10000.0f;        // a maximum no wheel reaches: the simulator goes silent
 constexpr int32_t kRestoreMaxForce = 2621440;               // 40 Nm × 65536, the simulator's own maximum
+constexpr int64_t kStallNanoseconds = 1000000000;           // on track this long without a new frame: release
 
-// Native force suppression: the simulator's maximum force as newton metres × 65536.
+// Native force suppression: the simulator's maximum force as 16.16 newton metres; in SimucubeMode the
+// engine's own full-scale torque.
 inline int32_t SuppressionValue(const EngineSettings& settings) {
-    const float newtonMetres =
-        settings.SimucubeMode ? 2000.0f / static_cast<float>(std::max(settings.ForceStrength, 1)) : 10000.0f;
-    return static_cast<int32_t>(newtonMetres * 65536.0f);
+    const float newtonMetres = settings.SimucubeMode ? FullScaleTorque(settings) : kSuppressionNewtonMetres;
+    return static_cast<int32_t>(newtonMetres * kForceFixedPointOne);
 }
 
 // The locals of the engine thread apart from the client and the wheel, and one pass of its loop.
@@ -40,7 +50,8 @@ public:
 
     EngineLoop(FfbEngine& engineRef, Wheel& wheelRef) : engine(engineRef), wheel(wheelRef) {}
 
-    // One pass of the loop, steps 1 to 11.
+    // One pass of the loop: the failure mirror, the simulator, the connection, the session info, the wait
+    // on the data-valid event, and the frame.
     void RunPass(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
         MirrorFailures();
         if (!client.IsOpen() && !client.Open()) {
@@ -58,13 +69,16 @@ public:
         ProcessFrame(client, t0);
     }
 
-    // Steps 6 to 11: read, skip a repeat, follow the track, and run the tick on a new frame.
+    // From the read on: skip a repeat, follow the track, and run the tick on a new frame.
     void ProcessFrame(IrsdkClient& client, int64_t t0) {
         if (!client.ReadFrame(frame) || frame.tickCount == lastTick) {
             PublishIdentity(frame.isOnTrack != 0);
+            ReleaseIfStalled(t0);
             return;
         }
         lastTick = frame.tickCount;
+        lastFrameTime = t0;
+        stalled = false;
         if (frame.isOnTrack == 0) {
             EndStint();
             SilenceWheel();
@@ -80,7 +94,8 @@ public:
         Tick(t0);
     }
 
-    // Thread end, steps 1 to 6.
+    // On the thread's way out: the stint's reports, a silent and closed wheel, the simulator's own force
+    // back, and a status as a fresh start would leave it.
     void Finish(IrsdkClient& client) {
         EndStint();
         SilenceWheel();
@@ -107,12 +122,15 @@ public:
     bool connected = false;
     int32_t lastTick = -1;
     int32_t lastSessionInfoUpdate = -1;
-    std::wstring carPath = L"generic";
+    std::wstring carPath = L"generic";  // clear carRowMemo.valid with each change
+    CarRowMemo carRowMemo;
     std::wstring driverName = L"unknown";
     int32_t driverUserId = 0;
     bool driverNameKnown = true;
     uint32_t lastFailureCount = 0;
-    float correctionRamp[6] = {};
+    int64_t lastFrameTime = 0;  // t0 of the pass that read the last new frame
+    bool stalled = false;       // the force was released for want of frames, and none has come since
+    float correctionRamp[kMaxSubSamples] = {};
     float lastBase = 0.0f;
     float lastResistance = 0.0f;
     float lastTexture = 0.0f;
@@ -126,7 +144,8 @@ private:
         engine.MirrorOutputFailures(count, wheel.lastError.load());
     }
 
-    // Step 3. False when the pass ends here (the wheel could not be opened).
+    // The suppression once per connection, and the wheel opened. False when the pass ends here (the wheel
+    // could not be opened).
     bool FollowConnection(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
         connected = client.HasHeader() && (client.Status() & irsdk::kStatusConnected) != 0;
         if (!connected) return true;  // an open wheel stays open
@@ -145,7 +164,7 @@ private:
         return true;
     }
 
-    // Step 4: scan the session-info text when its counter moved. The text is copied first, so the
+    // Scans the session-info text when its counter moved. The text is copied first, so the
     // simulator may rewrite its memory during the scan.
     void FollowSessionInfo(const IrsdkClient& client) {
         const int32_t update = client.HasHeader() ? client.SessionInfoUpdate() : -1;
@@ -154,6 +173,7 @@ private:
         if (client.HasHeader() && client.SessionInfoLen() > 0 && client.CopySessionInfo(sessionText) &&
             ScanSessionInfo(sessionText.data(), sessionText.size(), identity)) {
             carPath = identity.carPath;
+            carRowMemo.valid = false;
             driverName = identity.driverName;
             driverUserId = identity.driverUserId;
             driverNameKnown = identity.driverNameKnown;
@@ -165,6 +185,7 @@ private:
 
     void ForgetIdentity() {
         carPath = L"generic";
+        carRowMemo.valid = false;
         driverName = L"unknown";
         driverUserId = 0;
         driverNameKnown = true;
@@ -211,6 +232,17 @@ private:
         trackActive = false;
     }
 
+    // A simulator that hangs on track with its status bit set would have the wheel hold the last force for
+    // ever. After a second without a new frame the wheel is silenced as on leaving the track; the next new
+    // frame brings the force back through the output thread's warm-up and ramp.
+    void ReleaseIfStalled(int64_t t0) {
+        if (!trackActive || stalled || t0 - lastFrameTime < kStallNanoseconds) return;
+        stalled = true;
+        SilenceWheel();
+        ResetTickState();
+        engine.ReportStall();
+    }
+
     void SilenceWheel() {
         wheel.outputEnabled.exchange(false);
         wheel.commandedForce.exchange(0);
@@ -223,24 +255,15 @@ private:
         Platform::ForceStored(outputIndex, value);
     }
 
-    // Converts a finished force, counts it for the reports, shapes it and hands it to the wheel.
     void EmitForce(float force, bool parked, const EngineSettings& settings, int32_t outputIndex) {
-        const int32_t v = ToOutputUnits(force, settings);
-        ++engine.clipSamples;
-        if (v > kHandOverLimit || v < -kHandOverLimit) ++engine.clipOver;
-        const int32_t c = std::clamp(v, -kHandOverLimit, kHandOverLimit);
-        const int32_t s = ShapeOutput(c, parked, settings);
-        ++engine.outSamples;
-        if (s != 0) ++engine.outNonZero;
-        engine.outPeak = std::max(engine.outPeak, s < 0 ? -s : s);
-        StoreForce(std::clamp(s, -kHandOverLimit, kHandOverLimit), outputIndex);
+        StoreForce(engine.CountOutput(force, parked, settings), outputIndex);
     }
 
     // One new frame on track. Allocates nothing and takes only the two short copies' locks.
     void Tick(int64_t t0) {
         PublishIdentity(true);
         const EngineSettings settings = engine.CopySettings();
-        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings);
+        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings, carRowMemo);
         wheel.outputEnabled.exchange(true);
 
         const SteeringLockResult lock = ComputeSteeringLock(frame, settings);
@@ -256,10 +279,10 @@ private:
         const int n = std::clamp(frame.torqueSampleCount, 1, kMaxSubSamples);
         const bool parked = std::fabs(frame.speed) < kParkedSpeed;
         const GripResult grip = ComputeGrip(frame, settings, row);
-        float base[6] = {};
-        float texture[6] = {};
-        float correction[6] = {};
-        float vibration[12] = {};
+        float base[kMaxSubSamples] = {};
+        float texture[kMaxSubSamples] = {};
+        float correction[kMaxSubSamples] = {};
+        float vibration[kMaxOutputsPerTick] = {};
         const bool interpolate = settings.Mode == 1 && n > 1;
         const int m = interpolate ? 2 * n : n;
         FillAbsVibration(frame, settings, interpolate, m, absPhase, vibration);
@@ -270,7 +293,7 @@ private:
         }
         RecordTick(engine.recorder,
                    TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings},
-                   Platform::Now());
+                   &Platform::Now);
 
         if (interpolate) {
             InterpolatedBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);
@@ -345,6 +368,18 @@ void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) 
     }
     EndSystemTimerPeriod();
     engine.running.store(false);
+}
+
+template <class Platform>
+void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
+    Stop();
+    PublishSettings(current);
+    stopRequested.store(false);
+    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
+    try {
+        thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
+    } catch (const std::system_error&) {
+    }
 }
 
 }  // namespace veltor

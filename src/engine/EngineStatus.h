@@ -22,6 +22,9 @@ struct EngineStatus {
     std::wstring carPath = L"generic";
     std::wstring driverName = L"unknown";
     int32_t driverUserId = 0;
+    // Counts up by 1 each time the engine released the force because the simulator, on track, sent no new
+    // frame for a second; the GUI logs "Telemetry stalled: force released." when it changes.
+    uint32_t telemetryStallCount = 0;
 };
 
 }  // namespace veltor

@@ -1,12 +1,24 @@
 #include "engine/FfbEngine.h"
 
 #include "engine/CrashProtection.h"
+#include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
-#include "engine/SteadyClock.h"
+#include "engine/RecordingHook.h"
 #include "profiles/CarCatalogue.h"
-#include "recording/RecordingHeader.h"
 
 namespace veltor {
+namespace {
+
+std::wstring_view StatusText(std::wstring_view text, std::wstring_view fallback) {
+    return (text.empty() ? fallback : text).substr(0, kStatusTextCapacity);
+}
+
+}  // namespace
+
+FfbEngine::FfbEngine() {
+    status.carPath.reserve(kStatusTextCapacity);
+    status.driverName.reserve(kStatusTextCapacity);
+}
 
 void FfbEngine::PublishSettings(const EngineSettings& newSettings) {
     std::lock_guard guard(settingsLock);
@@ -19,25 +31,44 @@ EngineSettings FfbEngine::CopySettings() {
 }
 
 void FfbEngine::PublishOverrides(const std::vector<CarCoefficients>& newOverrides) {
-    std::lock_guard guard(settingsLock);
-    overrides = newOverrides;
-}
+    std::vector<CarCoefficients> fresh = newOverrides;
+    {
+        std::lock_guard guard(settingsLock);
+        overrides.swap(fresh);
+        ++overridesVersion;
+    }
+}  // the old list is freed here, outside the lock
 
 CarRow FfbEngine::ResolveCarRow(std::wstring_view carPath, bool useCarSpecific) {
+    CarRowMemo fresh;
+    return ResolveCarRow(carPath, useCarSpecific, fresh);
+}
+
+// The first match wins: an override, then the catalogue, then the set for an unknown car.
+CarRow FfbEngine::ResolveCarRow(std::wstring_view carPath, bool useCarSpecific, CarRowMemo& memo) {
     if (!useCarSpecific) return kCarIndependentRow;
     {
         std::lock_guard guard(settingsLock);
+        if (memo.valid && memo.overridesVersion == overridesVersion) return memo.row;
+        memo.valid = true;
+        memo.overridesVersion = overridesVersion;
         for (const CarCoefficients& row : overrides) {
-            if (EqualsFoldingAscii(row.CarPath, carPath)) return row.Row();
+            if (EqualsFoldingAscii(row.CarPath, carPath)) return memo.row = row.Row();
         }
     }
-    if (const CarCatalogueRow* row = FindCatalogueRow(carPath)) return row->Coefficients;
-    return kUnmatchedCarRow;
+    const CarCatalogueRow* row = FindCatalogueRow(carPath);
+    return memo.row = row != nullptr ? row->Coefficients : kUnmatchedCarRow;
 }
 
 EngineStatus FfbEngine::CopyStatus() {
-    std::lock_guard guard(statusLock);
-    return status;
+    EngineStatus copy;
+    copy.carPath.reserve(kStatusTextCapacity);
+    copy.driverName.reserve(kStatusTextCapacity);
+    {
+        std::lock_guard guard(statusLock);
+        copy = status;  // the texts fit the room reserved above
+    }
+    return copy;
 }
 
 void FfbEngine::Start(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
@@ -57,7 +88,7 @@ bool FfbEngine::BeginRecording(const std::wstring& path, const std::wstring& pro
     const CarRow row = ResolveCarRow(now.carPath, current.UseCarSpecificSettings);
     const RecordingHeader header =
         MakeRecordingHeader(now.carPath, now.driverName, profileName, current, row, WallClockMilliseconds());
-    return recorder.Start(path, header, SteadyNowNanoseconds());
+    return recorder.Start(path, header);
 }
 
 void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath,
@@ -66,40 +97,20 @@ void FfbEngine::UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view
     status.connected = isConnected;
     if (isConnected && isOnTrack != status.onTrack) ++status.onTrackChangeCount;
     status.onTrack = isOnTrack;
-    // assign() reuses the strings' capacity: no allocation once they have held a name this long.
-    status.carPath.assign(carPath.empty() ? std::wstring_view(L"generic") : carPath);
-    status.driverName.assign(driverName.empty() ? std::wstring_view(L"unknown") : driverName);
+    status.carPath.assign(StatusText(carPath, L"generic"));  // within the reserved room
+    status.driverName.assign(StatusText(driverName, L"unknown"));
     status.driverUserId = driverUserId;
     status.driverNameKnown = driverNameKnown;
     if (!isConnected) status.clippedPercent = 0.0f;
 }
 
-void FfbEngine::ReportClipping() {
-    const float percent = clipSamples >= 1
-                              ? static_cast<float>(clipOver) * 100.0f / static_cast<float>(clipSamples)
-                              : 0.0f;
-    {
-        std::lock_guard guard(statusLock);
-        ++status.clipReportCount;
-        status.clippedPercent = percent;
-    }
-    clipSamples = 0;
-    clipOver = 0;
-}
-
-void FfbEngine::ReportOutput() {
-    std::lock_guard guard(statusLock);
-    ++status.outputReportCount;
-    status.outputReportSamples = static_cast<uint32_t>(outSamples);
-    status.outputReportNonZero = static_cast<uint32_t>(outNonZero);
-    status.outputReportPeak = outPeak;
-    outSamples = 0;
-    outNonZero = 0;
-    outPeak = 0;
-}
-
 float FfbEngine::ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now) {
     return veltor::ComputeCrashGain(frame, tickSettings, now, crashHoldUntil);
+}
+
+void FfbEngine::ReportStall() {
+    std::lock_guard guard(statusLock);
+    ++status.telemetryStallCount;
 }
 
 void FfbEngine::MirrorOutputFailures(uint32_t count, int32_t code) {

@@ -1,15 +1,16 @@
 #pragma once
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "engine/EngineSettings.h"
 #include "engine/EngineStatus.h"
+#include "platform/WindowHandle.h"
 #include "profiles/CarCoefficients.h"
 #include "recording/TelemetryRecorder.h"
 #include "telemetry/TelemetryFrame.h"
@@ -17,21 +18,35 @@
 
 namespace veltor {
 
+// Wide characters the status keeps of a car path or a driver name; a longer text is cut. Its storage is
+// reserved up front, so neither thread allocates while it holds statusLock.
+constexpr size_t kStatusTextCapacity = 255;
+
+// What the engine thread resolved for the car last, so a tick walks the overrides and the catalogue only
+// when the car or the overrides changed. Engine thread only; cleared when the car path changes.
+struct CarRowMemo {
+    bool valid = false;
+    uint64_t overridesVersion = 0;
+    CarRow row;
+};
+
 // What the GUI thread and the engine thread share. settingsLock and statusLock are never held together,
 // and neither across a wait, a device call or I/O.
 class FfbEngine {
 public:
-    FfbEngine() = default;
+    FfbEngine();
     ~FfbEngine() { Stop(); }
     FfbEngine(const FfbEngine&) = delete;
     FfbEngine& operator=(const FfbEngine&) = delete;
 
     // GUI thread.
     void PublishSettings(const EngineSettings& newSettings);
+    // Both copy outside the lock: the lock guards only a swap or an assignment into reserved room.
     void PublishOverrides(const std::vector<CarCoefficients>& newOverrides);
     EngineStatus CopyStatus();
     void Start(const EngineSettings& current, WindowHandle window, DeviceGuid device);
-    // Start with another platform for the engine thread (tests observe its stores this way).
+    // Start with another platform for the engine thread (tests observe its stores this way). Defined in
+    // EngineLoop.h, which its callers include.
     template <class Platform>
     void StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device);
     void Stop();
@@ -44,11 +59,18 @@ public:
     CarRow ResolveCarRow(std::wstring_view carPath, bool useCarSpecific);
 
     // Engine thread only.
+    // ResolveCarRow's result, walking the lists only when `memo` is stale: a published change of the
+    // overrides acts on the next tick, at a cost that does not grow with the lists.
+    CarRow ResolveCarRow(std::wstring_view carPath, bool useCarSpecific, CarRowMemo& memo);
     void UpdateStatus(bool isConnected, bool isOnTrack, std::wstring_view carPath, std::wstring_view driverName,
                       int32_t driverUserId, bool driverNameKnown);
+    // Converts a finished force for the wheel and counts it for the stint's reports; returns the value the
+    // wheel is handed.
+    int32_t CountOutput(float force, bool parked, const EngineSettings& tickSettings);
     void ReportClipping();
     void ReportOutput();
     float ComputeCrashGain(const TelemetryFrame& frame, const EngineSettings& tickSettings, int64_t now);
+    void ReportStall();
     // The failure mirror: new output failures into the status.
     void MirrorOutputFailures(uint32_t count, int32_t code);
 
@@ -59,6 +81,7 @@ public:
     std::atomic<bool> running{false};        // engine sets, GUI reads
     EngineStatus status;                     // engine writes, GUI reads; under statusLock
     std::vector<CarCoefficients> overrides;  // GUI writes, engine reads; under settingsLock
+    uint64_t overridesVersion = 0;           // moves on with each PublishOverrides; under settingsLock
     int64_t crashHoldUntil = 0;              // engine thread only, steady-clock ns
     int32_t clipSamples = 0;                 // engine thread only
     int32_t clipOver = 0;
@@ -69,21 +92,4 @@ public:
     std::thread thread;  // GUI thread; joinable from Start to Stop
 };
 
-template <class Platform>
-void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device);
-
-template <class Platform>
-void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
-    Stop();
-    PublishSettings(current);
-    stopRequested.store(false);
-    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
-    try {
-        thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
-    } catch (const std::system_error&) {
-    }
-}
-
 }  // namespace veltor
-
-#include "engine/EngineLoop.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/BaseSignal.h"
+#include "engine/OutputStage.h"
 
 namespace veltor {
 namespace {
@@ -20,8 +20,6 @@ constexpr float kFreeSteerMargin = 0.175f;          // rad, about 10 degrees
 constexpr float kResistanceFullScale = 40.0f;       // Nm at full settings and load, before ResistanceGain
 constexpr float kLightenSlope = 0.75f;
 constexpr float kMinSteeringGain = 0.25f;
-
-constexpr float kRampWeights[6] = {0.1295867f, 0.2311436f, 0.2582509f, 0.1923936f, 0.1156718f, 0.0729534f};
 
 // Correction toward the slide, from the slip ratio `s` = velocityY / |velocityX|.
 float OversteerTorque(float s, const EngineSettings& settings) {
@@ -74,15 +72,6 @@ GripResult ComputeGrip(const TelemetryFrame& frame, const EngineSettings& settin
         result.steeringGain = std::max(lightened, kMinSteeringGain);
     }
     return result;
-}
-
-void FillCorrectionRamp(float (&correctionRamp)[6], float oversteerTorque, float (&correction)[6]) {
-    for (int i = 0; i < 6; ++i) {
-        correctionRamp[i] = oversteerTorque * kRampWeights[i];
-        float sum = 0.0f;
-        for (const float slot : correctionRamp) sum += slot;
-        correction[i] = sum;
-    }
 }
 
 }  // namespace veltor

@@ -17,7 +17,4 @@ struct GripResult {
 // Once per tick, on the frame's single-valued variables. Keeps nothing between ticks.
 GripResult ComputeGrip(const TelemetryFrame& frame, const EngineSettings& settings, const CarRow& row);
 
-// Moves the six carried ramp slots to this tick's oversteer torque and fills one correction per sub-sample.
-void FillCorrectionRamp(float (&correctionRamp)[6], float oversteerTorque, float (&correction)[6]);
-
 }  // namespace veltor

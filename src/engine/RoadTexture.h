@@ -11,12 +11,4 @@ float ComputeTexture(float movement, const EngineSettings& settings);
 float SubSampleTexture(const TelemetryFrame& frame, const TelemetryFrame& previousFrame, int i,
                        const EngineSettings& settings);
 
-// The 35 Hz ABS vibration, one value per output of the tick; carries its phase in `absPhase`.
-void FillAbsVibration(const TelemetryFrame& frame, const EngineSettings& settings, bool interpolate, int outputs,
-                      float& absPhase, float (&vibration)[12]);
-
-// Puts the signals of one output together; `priorityActed` tells whether the detail priority changed it.
-float MixForce(const EngineSettings& settings, float base, float resistance, float texture, float other,
-               bool* priorityActed = nullptr);
-
 }  // namespace veltor

@@ -3,9 +3,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "engine/EngineSettings.h"
-#include "profiles/CarCoefficients.h"
-
 namespace veltor {
 
 constexpr size_t kRecordingTextField = 64;  // bytes of UTF-8, the last always NUL
@@ -67,11 +64,12 @@ static_assert(offsetof(RecordingHeader, AbsVibration) == 268);
 static_assert(offsetof(RecordingHeader, YawSteerGain) == 272);
 static_assert(offsetof(RecordingHeader, reserved) == 276);
 
-// The header of a recording that starts now: identity and profile as given, settings and the car's five
-// coefficients of this moment.
-RecordingHeader MakeRecordingHeader(std::wstring_view carPath, std::wstring_view driverName,
-                                    std::wstring_view profileName, const EngineSettings& settings, const CarRow& row,
-                                    uint64_t startTimeMs);
+// A header with the format's own fields (magic, version, sizes, tick rate) and the start time; the rest zero.
+RecordingHeader NewRecordingHeader(uint64_t startTimeMs);
+
+// A text field: zero-filled, then as much of `text` in UTF-8 as fits, the last byte always NUL, so a long
+// text may be cut inside a character. An empty text leaves the field all zero.
+void FillRecordingText(std::wstring_view text, char (&field)[kRecordingTextField]);
 
 // Wall-clock milliseconds since 1970-01-01 UTC.
 uint64_t WallClockMilliseconds();

@@ -68,7 +68,7 @@ int32_t BlockCarIndex(std::string_view line) {
     return value >= 0 ? value : TrimmedIntField(line, "CarIdx:");
 }
 
-// Steps 2 to 5: the session's own keys, which all begin with 'D'.
+// The session's own keys, which all begin with 'D'.
 void ScanSessionKeys(std::string_view line, ScanState& s) {
     std::string_view rest;
     if (MatchTrimmedKey(line, "DriverUserName:", rest)) {
@@ -82,7 +82,7 @@ void ScanSessionKeys(std::string_view line, ScanState& s) {
     }
 }
 
-// Steps 6 to 11: a driver block's keys, which all begin with '-', 'C' or 'U'.
+// A driver block's keys, which all begin with '-', 'C' or 'U'.
 LineResult ScanBlockKeys(std::string_view line, ScanState& s) {
     if (!s.inDrivers || s.driverCarIdx < 0) return LineResult::Next;
     if (const int32_t carIndex = BlockCarIndex(line); carIndex >= 0) {

@@ -5,8 +5,10 @@
 #include <system_error>
 #include <thread>
 
-#include "engine/ThreadControl.h"
+#include "platform/ThreadControl.h"
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
+#include "wheel/SmoothingWeights.h"
 
 namespace veltor {
 
@@ -28,11 +30,8 @@ constexpr float kLockDampingScale = 150000.0f;
 // The damping term is cut here before it becomes an integer: far beyond what the final clamp keeps, far
 // inside i32, so a wild position reading cannot overflow the conversion.
 constexpr float kDampingTermLimit = 1000000.0f;
-constexpr int kVelocityTaps = 6;
+constexpr int kVelocityTaps = kSmoothingTaps;  // applied in ring order from the newest slot: newest, oldest, ...
 constexpr int kSmoothedSlots = 4;
-// Filter weights in ring order from the newest slot: newest, oldest, ..., second newest.
-constexpr float kVelocityTapWeights[kVelocityTaps] = {0.1295867f, 0.2311436f, 0.2582509f,
-                                                      0.1923936f, 0.1156718f, 0.0729534f};
 
 // DirectInput results are HRESULTs: negative is a failure.
 inline bool Failed(int32_t result) { return result < 0; }
@@ -237,7 +236,7 @@ private:
         lastErrorTime = 0;
     }
 
-    // Step 1 of a pass: every change of outputEnabled restarts the warm-up, the ramp and the magnitude.
+    // Follows the engine: every change of outputEnabled restarts the warm-up, the ramp and the magnitude.
     void FollowEngine() {
         const bool enabled = outputEnabled.load();
         if (enabled == outputActive) return;
@@ -285,7 +284,7 @@ private:
 
     float FilteredVelocity() const {
         float sum = 0.0f;
-        for (int k = 0; k < kVelocityTaps; ++k) sum = sum + kVelocityTapWeights[k] * velocityHistory[(newestSlot + k) % kVelocityTaps];
+        for (int k = 0; k < kVelocityTaps; ++k) sum = sum + kSmoothingWeights[k] * velocityHistory[(newestSlot + k) % kVelocityTaps];
         return sum;
     }
 

@@ -8,7 +8,4 @@ struct DeviceGuid {
     uint8_t bytes[16] = {};
 };
 
-// The main window, as an opaque handle (an HWND on Windows).
-using WindowHandle = void*;
-
 }  // namespace veltor

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor {

@@ -1,6 +1,6 @@
 #include "wheel/DirectInputDevice_host.h"
 
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 
@@ -8,11 +8,18 @@ namespace {
 constexpr int32_t kOk = 0;
 constexpr int32_t kNotAcquired = static_cast<int32_t>(0x8007000Cu);  // DIERR_NOTACQUIRED
 constexpr int32_t kNoObject = static_cast<int32_t>(0x80004003u);     // E_POINTER
-constexpr size_t kExpectedMagnitudes = 1 << 16;                       // a minute of passes before growing
 constexpr float kNanosecondsPerSecond = 1e9f;
 }  // namespace
 
 DirectInputDevice::DirectInputDevice() : objects(std::make_unique<Objects>()) {}
+
+std::vector<int32_t> DirectInputDevice::Objects::SentMagnitudes() const {
+    const uint64_t sent = sentCount.load(std::memory_order_acquire);
+    const uint64_t kept = sent < kKeptMagnitudes ? sent : kKeptMagnitudes;
+    std::vector<int32_t> magnitudes;
+    for (uint64_t i = sent - kept; i < sent; ++i) magnitudes.push_back(keptMagnitudes[i % kKeptMagnitudes]);
+    return magnitudes;
+}
 DirectInputDevice::~DirectInputDevice() = default;
 
 bool DirectInputDevice::CreateDeviceEvent() {
@@ -29,7 +36,6 @@ int32_t DirectInputDevice::CreateInterface() {
 int32_t DirectInputDevice::CreateDevice(const DeviceGuid&) {
     if (!objects->interfaceCreated) return kNoObject;
     objects->deviceCreated = true;
-    objects->sentMagnitudes.reserve(kExpectedMagnitudes);  // here, so a wheel that is never opened costs nothing
     return kOk;
 }
 
@@ -63,7 +69,9 @@ int32_t DirectInputDevice::Magnitude() const { return objects->magnitude; }
 int32_t DirectInputDevice::SetParameters() {
     if (!objects->effectCreated) return kNoObject;
     if (!objects->acquired) return kNotAcquired;
-    objects->sentMagnitudes.push_back(objects->magnitude);
+    const uint64_t sent = objects->sentCount.load(std::memory_order_relaxed);
+    objects->keptMagnitudes[sent % Objects::kKeptMagnitudes] = objects->magnitude;
+    objects->sentCount.store(sent + 1, std::memory_order_release);
     if (objects->effectPlaying) objects->playedMagnitude = objects->magnitude;
     return kOk;
 }

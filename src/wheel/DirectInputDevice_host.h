@@ -1,4 +1,6 @@
 #pragma once
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -7,9 +9,15 @@
 
 namespace veltor {
 
-// The host twin's side of the device: a virtual wheel that turns under the played force and remembers
-// every magnitude it was sent. Output thread while the wheel is open; readers look after Close.
+// The host twin's side of the device: a virtual wheel that turns under the played force and remembers the
+// newest magnitudes it was sent, in room of its own so a pass never allocates. Output thread while the wheel
+// is open; readers look after Close, except at sentCount.
 struct DirectInputDevice::Objects {
+    static constexpr size_t kKeptMagnitudes = 4096;  // about four seconds of passes
+
+    // The kept magnitudes, oldest first.
+    std::vector<int32_t> SentMagnitudes() const;
+
     bool interfaceCreated = false;
     bool deviceCreated = false;
     bool acquired = false;
@@ -21,7 +29,8 @@ struct DirectInputDevice::Objects {
     int32_t lastAxisPosition = 32767;
     int64_t lastAdvance = 0;        // steady-clock ns of the model's last step; 0 before the first
     VirtualWheelModel model;
-    std::vector<int32_t> sentMagnitudes;  // every SetParameters, in order
+    std::array<int32_t, kKeptMagnitudes> keptMagnitudes{};  // a ring, the newest at sentCount - 1
+    std::atomic<uint64_t> sentCount{0};                      // every SetParameters so far; any thread
     int32_t startCount = 0;
     int32_t stopCount = 0;
 };

@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 

@@ -1,81 +1,69 @@
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "engine/CrashProtection.h"
 
 namespace veltor {
 namespace {
 
-constexpr int64_t kSecond = 1000000000LL;
+constexpr int64_t kMs = 1000000;
 constexpr float kOneG = 9.80665f;
 
-TelemetryFrame Accel(float longAccel, float latAccel) {
-    TelemetryFrame frame;
-    frame.longAccel = longAccel;
-    frame.latAccel = latAccel;
-    return frame;
-}
+// Ticks of one script: at `ms`, the accelerations and the gain expected back.
+struct Step {
+    int64_t ms;
+    float longAccel, latAccel;
+    float gain;
+};
 
-EngineSettings OneG() {
-    EngineSettings s;  // 1.5 s, 95 percent
-    s.CrashLongG = 10;
-    s.CrashLatG = 10;
-    return s;
-}
-
-TEST(ComputeCrashGain, AHitAtTheLimitHoldsTheForceDownForTheDuration) {
-    int64_t hold = 0;
-    const EngineSettings s = OneG();
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(0.0f, -kOneG), s, 10 * kSecond, hold), 1.0f - 0.95f);
-    EXPECT_EQ(hold, 10 * kSecond + 3 * kSecond / 2);
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(0.0f, 0.0f), s, 11 * kSecond, hold), 1.0f - 0.95f);
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(0.0f, 0.0f), s, 11 * kSecond + kSecond / 2 - 1, hold), 1.0f - 0.95f);
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(0.0f, 0.0f), s, 11 * kSecond + kSecond / 2, hold), 1.0f);
-}
-
-TEST(ComputeCrashGain, JustBelowTheLimitIsNoHit) {
-    int64_t hold = 0;
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(9.8f, -9.8f), OneG(), kSecond, hold), 1.0f);
-    EXPECT_EQ(hold, 0);
-}
-
-TEST(ComputeCrashGain, EachHitStartsTheHoldAnew) {
-    int64_t hold = 0;
-    const EngineSettings s = OneG();
-    ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond, hold);
-    ComputeCrashGain(Accel(-20.0f, 0.0f), s, 2 * kSecond, hold);
-    EXPECT_EQ(hold, 2 * kSecond + 3 * kSecond / 2);
-    EXPECT_LT(ComputeCrashGain(Accel(0.0f, 0.0f), s, 3 * kSecond, hold), 0.1f);
-}
-
-TEST(ComputeCrashGain, ReductionIsLimitedSoTheGainNeverFallsBelowOnePercent) {
-    EngineSettings s = OneG();
-    s.CrashReduction = 99;
-    int64_t hold = 0;
-    EXPECT_NEAR(ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond, hold), 0.01f, 1e-6f);
-    s.CrashReduction = 250;
-    EXPECT_NEAR(ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond, hold), 0.01f, 1e-6f);
+// Limits of 1 g on both axes, 1.5 s and 95 percent unless the case says otherwise. A hit at or above a
+// limit holds the gain down until one duration after the last hit; a limit of 0 switches its axis off.
+TEST(ComputeCrashGain, HoldsTheForceDownForTheDurationAfterTheLastHit) {
+    const struct {
+        const char* what;
+        int32_t reduction, longLimit, latLimit;
+        std::vector<Step> steps;
+    } cases[] = {
+        {"a hit at the limit", 95, 10, 10, {{1000, 0, -kOneG, 0.05f}, {2499, 0, 0, 0.05f}, {2500, 0, 0, 1.0f}}},
+        {"just below the limit", 95, 10, 10, {{1000, 9.8f, -9.8f, 1.0f}}},
+        {"each hit starts the hold anew", 95, 10, 10, {{1000, 20, 0, 0.05f}, {2000, -20, 0, 0.05f}, {3499, 0, 0, 0.05f},
+                                                        {3500, 0, 0, 1.0f}}},
+        {"the gain never falls below 0.01", 250, 10, 10, {{1000, 20, 0, 0.01f}}},
+        {"a zero limit switches its axis off", 95, 0, 10, {{1000, 100, 0, 1.0f}, {1000, 0, 100, 0.05f}}},
+    };
+    for (const auto& c : cases) {
+        EngineSettings s;
+        s.CrashReduction = c.reduction;
+        s.CrashLongG = c.longLimit;
+        s.CrashLatG = c.latLimit;
+        int64_t hold = 0;
+        for (const Step& step : c.steps) {
+            TelemetryFrame frame;
+            frame.longAccel = step.longAccel;
+            frame.latAccel = step.latAccel;
+            EXPECT_NEAR(ComputeCrashGain(frame, s, step.ms * kMs, hold), step.gain, 1e-6f) << c.what << " at " << step.ms;
+        }
+    }
+    EngineSettings s;
+    int64_t hold = 2500 * kMs;  // a hold in force, with both limits now off
+    s.CrashLongG = s.CrashLatG = 0;
+    TelemetryFrame hit;
+    hit.longAccel = 100.0f;
+    EXPECT_NEAR(ComputeCrashGain(hit, s, 2000 * kMs, hold), 0.05f, 1e-6f);
+    EXPECT_EQ(hold, 2500 * kMs);
 }
 
 TEST(ComputeCrashGain, ZeroDurationOrReductionEndsARunningHoldAtOnce) {
-    EngineSettings s = OneG();
-    int64_t hold = 0;
-    ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond, hold);
-    s.CrashReduction = 0;
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond + 1, hold), 1.0f);
-    s.CrashReduction = 95;
-    s.CrashDurationTenths = 0;
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(20.0f, 0.0f), s, kSecond + 2, hold), 1.0f);
-}
-
-TEST(ComputeCrashGain, AZeroLimitSwitchesItsAxisOffButARunningHoldGoesOn) {
-    EngineSettings s = OneG();
-    s.CrashLongG = 0;
-    int64_t hold = 0;
-    EXPECT_FLOAT_EQ(ComputeCrashGain(Accel(100.0f, 0.0f), s, kSecond, hold), 1.0f);
-    EXPECT_LT(ComputeCrashGain(Accel(0.0f, 100.0f), s, kSecond, hold), 1.0f);
-    s.CrashLatG = 0;
-    EXPECT_LT(ComputeCrashGain(Accel(100.0f, 100.0f), s, 2 * kSecond, hold), 1.0f);
-    EXPECT_EQ(hold, kSecond + 3 * kSecond / 2);  // not moved on by the second call
+    TelemetryFrame hit;
+    hit.longAccel = 100.0f;
+    for (const auto& [reduction, tenths] : {std::pair{0, 15}, std::pair{95, 0}}) {
+        EngineSettings s;
+        s.CrashReduction = reduction;
+        s.CrashDurationTenths = tenths;
+        int64_t hold = 5000 * kMs;
+        EXPECT_EQ(ComputeCrashGain(hit, s, 1000 * kMs, hold), 1.0f);
+    }
 }
 
 }  // namespace

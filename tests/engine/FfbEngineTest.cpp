@@ -1,124 +1,77 @@
 #include <gtest/gtest.h>
 
+#include "TickHarness.h"
 #include "engine/FfbEngine.h"
-#include "profiles/CarCatalogue.h"
 
 namespace veltor {
 namespace {
 
-void ExpectRow(const CarRow& row, float yaw, float steerGain, float lateral, float resistance, float bias) {
-    EXPECT_EQ(row.YawRateMultiplier, yaw);
-    EXPECT_EQ(row.YawSteerGain, steerGain);
-    EXPECT_EQ(row.LateralAccelDivisor, lateral);
-    EXPECT_EQ(row.ResistanceGain, resistance);
-    EXPECT_EQ(row.SteerMarginBias, bias);
+std::vector<float> Values(const CarRow& row) {
+    return {row.YawRateMultiplier, row.YawSteerGain, row.LateralAccelDivisor, row.ResistanceGain, row.SteerMarginBias};
 }
 
-TEST(FfbEngine_Constructor, HoldsTheDefaultsOfEverySettingAndAFreshStatus) {
+// An override wins over the catalogue whatever the case of its letters; only a whole path matches; with
+// car-specific settings off the car and the overrides do not count.
+TEST(FfbEngine_ResolveCarRow, OverrideThenCatalogueThenTheSetForAnUnknownCar) {
     FfbEngine engine;
-    const EngineSettings s = engine.CopySettings();
-    EXPECT_EQ(s.Mode, 0);
-    EXPECT_TRUE(s.UseCarSpecificSettings);
-    EXPECT_TRUE(s.ReduceForceWhenParked);
-    EXPECT_FALSE(s.SimucubeMode);
-    EXPECT_EQ(s.ForceStrength, 50);
-    EXPECT_EQ(s.Bumps, 20);
-    EXPECT_EQ(s.BumpImpacts, 20);
-    EXPECT_EQ(s.AbsVibration, 15);
-    EXPECT_EQ(s.SuspensionDetailPriority, 50);
-    EXPECT_EQ(s.CarForceBalance, 100);
-    EXPECT_EQ(s.UndersteerResistance, 75);
-    EXPECT_EQ(s.OversteerCorrection, 50);
-    EXPECT_EQ(s.CrashLongG, 60);
-    EXPECT_EQ(s.CrashLatG, 60);
-    EXPECT_EQ(s.CrashDurationTenths, 15);
-    EXPECT_EQ(s.CrashReduction, 95);
-    const EngineStatus status = engine.CopyStatus();
-    EXPECT_FALSE(status.connected);
-    EXPECT_TRUE(status.driverNameKnown);
-    EXPECT_EQ(status.carPath, L"generic");
-    EXPECT_EQ(status.driverName, L"unknown");
-    EXPECT_FALSE(engine.running.load());
-    EXPECT_EQ(engine.crashHoldUntil, 0);
-}
-
-TEST(FfbEngine_ResolveCarRow, RanksOverrideThenCatalogueThenUnmatchedSet) {
-    FfbEngine engine;
-    ExpectRow(engine.ResolveCarRow(L"mx5 mx52016", true), 36.0f, 0.0f, 96.0f, 0.90f, 0.0f);
-    ExpectRow(engine.ResolveCarRow(L"MX5 MX52016", true), 36.0f, 0.0f, 96.0f, 0.90f, 0.0f);
-    // A path that merely begins with a catalogue path is an unknown car.
-    ExpectRow(engine.ResolveCarRow(L"mx5 mx52016 extra", true), 40.0f, 0.0f, 90.0f, 1.0f, 0.0f);
-    ExpectRow(engine.ResolveCarRow(L"generic", true), 40.0f, 0.0f, 90.0f, 1.0f, 0.0f);
-
     engine.PublishOverrides({CarCoefficients{L"mx5 MX52016", 50.0f, 0.1f, 80.0f, 1.5f, 0.02f}});
-    ExpectRow(engine.ResolveCarRow(L"Mx5 mx52016", true), 50.0f, 0.1f, 80.0f, 1.5f, 0.02f);
-    ExpectRow(engine.ResolveCarRow(L"rt2000", true), 25.0f, 0.0f, 86.0f, 1.10f, 0.0f);
+    const struct {
+        const wchar_t* car;
+        bool carSpecific;
+        std::vector<float> row;
+    } cases[] = {
+        {L"Mx5 mx52016", true, {50.0f, 0.1f, 80.0f, 1.5f, 0.02f}},
+        {L"RT2000", true, {25.0f, 0.0f, 86.0f, 1.10f, 0.0f}},
+        {L"rt2000 extra", true, {40.0f, 0.0f, 90.0f, 1.0f, 0.0f}},
+        {L"generic", true, {40.0f, 0.0f, 90.0f, 1.0f, 0.0f}},
+        {L"mx5 mx52016", false, {44.0f, 0.0f, 110.0f, 1.0f, 0.0f}},
+        {L"rt2000", false, {44.0f, 0.0f, 110.0f, 1.0f, 0.0f}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Values(engine.ResolveCarRow(c.car, c.carSpecific)), c.row) << c.car;
 }
 
-TEST(FfbEngine_ResolveCarRow, IgnoresCarAndOverridesWhenCarSpecificSettingsAreOff) {
-    FfbEngine engine;
-    engine.PublishOverrides({CarCoefficients{L"rt2000", 50.0f, 0.1f, 80.0f, 1.5f, 0.02f}});
-    for (const wchar_t* car : {L"rt2000", L"mx5 mx52016", L"no such car"}) {
-        ExpectRow(engine.ResolveCarRow(car, false), 44.0f, 0.0f, 110.0f, 1.0f, 0.0f);
-    }
+// The tick resolves the row once per change, yet a published change of the overrides acts on the very next
+// tick. Here the row's resistance gain is the one thing that moves the force: 9.75 Nm of resistance per unit.
+TEST(FfbEngine_ResolveCarRow, APublishedOverrideActsOnTheNextTick) {
+    auto harness = std::make_unique<test::TickHarness>();
+    harness->loop.carPath = L"testcar";
+    test::TickPlatform::now = 1;
+    TelemetryFrame frame = test::SteadyFrame(0.0f, 20.0f);
+    frame.steeringWheelAngle = 0.5f;
+    const auto lastStore = [&](bool carSpecific) {
+        harness->engine.settings.UseCarSpecificSettings = carSpecific;
+        harness->Run(frame);
+        return test::TickPlatform::storedValue[5];
+    };
+    EXPECT_EQ(lastStore(true), -2437);
+    harness->engine.PublishOverrides({CarCoefficients{L"TESTCAR", 40.0f, 0.0f, 90.0f, 2.0f, 0.0f}});
+    EXPECT_EQ(lastStore(true), -4875);
+    EXPECT_EQ(lastStore(false), -2437);
+    EXPECT_EQ(lastStore(true), -4875);
+    harness->engine.PublishOverrides({});
+    EXPECT_EQ(lastStore(true), -2437);
 }
 
-TEST(CarCatalogue, HoldsFortyFiveRowsWithUniquePaths) {
-    const auto rows = CarCatalogue();
-    ASSERT_EQ(rows.size(), 45u);
-    EXPECT_EQ(rows.front().CarPath, L"astonmartin dbr9");
-    EXPECT_EQ(rows.back().CarPath, L"williamsfw31");
-    for (size_t i = 0; i < rows.size(); ++i) {
-        for (size_t j = i + 1; j < rows.size(); ++j) EXPECT_FALSE(EqualsFoldingAscii(rows[i].CarPath, rows[j].CarPath));
-        EXPECT_EQ(rows[i].Coefficients.YawSteerGain, 0.0f);
-        EXPECT_EQ(rows[i].Coefficients.SteerMarginBias, 0.0f);
-    }
-}
-
-TEST(EqualsFoldingAscii, FoldsOnlyTheAsciiLetters) {
-    EXPECT_TRUE(EqualsFoldingAscii(L"AbC xyZ", L"aBc XYz"));
-    EXPECT_FALSE(EqualsFoldingAscii(L"abc", L"abcd"));
-    EXPECT_FALSE(EqualsFoldingAscii(L"\u00C9", L"\u00E9"));  // É and é stay apart
-    EXPECT_FALSE(EqualsFoldingAscii(L"[", L"{"));
-}
-
-TEST(FfbEngine_UpdateStatus, CountsTrackChangesOnlyWhileConnectedAndFillsEmptyNames) {
+TEST(FfbEngine_UpdateStatus, CountsTrackChangesWhileConnectedFillsEmptyNamesAndCutsLongOnes) {
     FfbEngine engine;
     engine.UpdateStatus(false, true, L"", L"", 0, true);
-    EXPECT_EQ(engine.CopyStatus().onTrackChangeCount, 0u);
-    engine.UpdateStatus(true, false, L"rt2000", L"Ann", 7, false);
-    EXPECT_EQ(engine.CopyStatus().onTrackChangeCount, 1u);
-    engine.UpdateStatus(true, false, L"rt2000", L"Ann", 7, false);
-    EXPECT_EQ(engine.CopyStatus().onTrackChangeCount, 1u);
-    engine.UpdateStatus(true, true, L"", L"", 0, true);
-    const EngineStatus status = engine.CopyStatus();
-    EXPECT_EQ(status.onTrackChangeCount, 2u);
-    EXPECT_EQ(status.carPath, L"generic");
-    EXPECT_EQ(status.driverName, L"unknown");
-}
-
-TEST(FfbEngine_UpdateStatus, DisconnectingClearsTheClippedPercent) {
-    FfbEngine engine;
     engine.clipSamples = 4;
     engine.clipOver = 1;
     engine.ReportClipping();
+    engine.UpdateStatus(true, false, L"rt2000", L"Ann", 7, false);
+    engine.UpdateStatus(true, false, L"rt2000", L"Ann", 7, false);
+    EXPECT_EQ(engine.CopyStatus().onTrackChangeCount, 1u);
     EXPECT_FLOAT_EQ(engine.CopyStatus().clippedPercent, 25.0f);
-    engine.UpdateStatus(true, true, L"a", L"b", 1, true);
-    EXPECT_FLOAT_EQ(engine.CopyStatus().clippedPercent, 25.0f);
-    engine.UpdateStatus(false, false, L"a", L"b", 1, true);
-    EXPECT_FLOAT_EQ(engine.CopyStatus().clippedPercent, 0.0f);
-}
-
-// A stint through ticks is reported in the emit-force tests; an empty one still counts.
-TEST(FfbEngine_Reports, AnEmptyStintStillReports) {
-    FfbEngine engine;
-    engine.ReportClipping();
-    engine.ReportOutput();
-    const EngineStatus status = engine.CopyStatus();
-    EXPECT_EQ(status.clipReportCount, 1u);
+    engine.UpdateStatus(true, true, L"", std::wstring(300, L'n'), 0, true);
+    EngineStatus status = engine.CopyStatus();
+    EXPECT_EQ(status.onTrackChangeCount, 2u);
+    EXPECT_EQ(status.carPath, L"generic");
+    EXPECT_EQ(status.driverName, std::wstring(kStatusTextCapacity, L'n'));
+    engine.UpdateStatus(false, false, L"a", L"", 1, true);
+    status = engine.CopyStatus();
+    EXPECT_EQ(status.driverName, L"unknown");
     EXPECT_EQ(status.clippedPercent, 0.0f);
-    EXPECT_EQ(status.outputReportCount, 1u);
-    EXPECT_EQ(status.outputReportSamples, 0u);
+    EXPECT_EQ(status.onTrackChangeCount, 2u);
 }
 
 TEST(FfbEngine_Stop, ReturnsAtOnceWhenNothingRuns) {
@@ -126,7 +79,6 @@ TEST(FfbEngine_Stop, ReturnsAtOnceWhenNothingRuns) {
     engine.Stop();
     engine.Stop();
     EXPECT_FALSE(engine.running.load());
-    EXPECT_TRUE(engine.stopRequested.load());
 }
 
 }  // namespace

@@ -25,12 +25,20 @@ TelemetryFrame BusyFrame(int i) {
     return frame;
 }
 
+// Half way the car changes to one whose path is longer than the status keeps, and its row is resolved
+// anew against a list of overrides.
 long AllocationsOverTicks(TickHarness& harness, int mode, int ticks) {
     harness.engine.settings.Mode = mode;
-    harness.Run(BusyFrame(0));  // first tick: the snapshot and the status strings take their size
+    harness.engine.PublishOverrides({CarCoefficients{L"rt2000", 41.0f, 0.0f, 80.0f, 1.2f, 0.0f}});
+    std::wstring longCar(kStatusTextCapacity + 45, L'c');
+    harness.Run(BusyFrame(0));  // first tick: the frame's snapshot takes its size
     const long before = AllocationCount();
     for (int i = 1; i <= ticks; ++i) {
         TickPlatform::now += 16666667;
+        if (i == ticks / 2) {
+            harness.loop.carPath.swap(longCar);
+            harness.loop.carRowMemo.valid = false;
+        }
         harness.Run(BusyFrame(i));
     }
     return AllocationCount() - before;

@@ -5,7 +5,7 @@
 
 #include "ForceLog.h"
 #include "TelemetryLayoutWriter.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
 #include "telemetry/IrsdkClient.h"
 
 namespace veltor::test {

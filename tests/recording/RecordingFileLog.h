@@ -1,6 +1,6 @@
 #pragma once
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <cstring>
 #include <mutex>
@@ -9,17 +9,17 @@
 #include <utility>
 #include <vector>
 
+#include "platform/SteadyClock.h"
 #include "recording/RecordingSample.h"
 #include "recording/TelemetryRecorder.h"
 
 namespace veltor::test {
 
-// What the recorder did to its file, shared between the test and the writer thread under a mutex.
+// What the recorder did to its files, kept in memory and shared with the writer thread under a mutex.
 struct FileLog {
     std::mutex lock;
-    std::vector<size_t> writes;  // bytes per Write call, in order
-    std::vector<uint8_t> bytes;  // everything written
-    int creates = 0;
+    std::vector<std::vector<uint8_t>> files;  // the bytes of each created file, in order of creation
+    std::vector<size_t> writes;               // bytes per Write call, all files
     int closes = 0;
     bool failCreate = false;
     bool failWrites = false;
@@ -33,41 +33,52 @@ struct FileLog {
         std::lock_guard guard(Instance().lock);
         return f(Instance());
     }
-    void Reset() {
+    static void Reset() {
         Locked([](FileLog& log) {
+            log.files.clear();
             log.writes.clear();
-            log.bytes.clear();
-            log.creates = log.closes = 0;
+            log.closes = 0;
             log.failCreate = log.failWrites = false;
         });
     }
-    std::vector<size_t> Writes() { return Locked([](FileLog& log) { return log.writes; }); }
-    size_t Size() { return Locked([](FileLog& log) { return log.bytes.size(); }); }
-    // Tick counts of the records after the first `skip` bytes of headers.
-    std::vector<int32_t> RecordTicks(size_t skip) {
-        return Locked([skip](FileLog& log) {
-            std::vector<int32_t> ticks;
-            for (size_t at = skip; at + sizeof(RecordingSample) <= log.bytes.size(); at += sizeof(RecordingSample)) {
-                RecordingSample sample;
-                std::memcpy(&sample, log.bytes.data() + at, sizeof sample);
-                ticks.push_back(sample.tickCount);
+    static std::vector<size_t> Writes() { return Locked([](FileLog& log) { return log.writes; }); }
+    static size_t FileCount() { return Locked([](FileLog& log) { return log.files.size(); }); }
+    // The records of file `index`, after its header.
+    static std::vector<RecordingSample> Records(size_t index) {
+        return Locked([index](FileLog& log) {
+            std::vector<RecordingSample> records;
+            const std::vector<uint8_t>& bytes = log.files.at(index);
+            for (size_t at = sizeof(RecordingHeader); at + sizeof(RecordingSample) <= bytes.size();
+                 at += sizeof(RecordingSample)) {
+                records.emplace_back();
+                std::memcpy(&records.back(), bytes.data() + at, sizeof(RecordingSample));
             }
-            return ticks;
+            return records;
         });
     }
 };
 
-// The recorder's file, logged instead of written.
+// The recorder's file, kept in FileLog. Creating it takes 50 ms of the stepped clock, as a slow disk would.
 class LoggingFile {
 public:
+    static constexpr int64_t kCreateNanoseconds = 50000000;
+    static inline std::atomic<int64_t> steppedNow{0};
+
     bool Create(const std::wstring&) {
-        return open = FileLog::Locked([](FileLog& log) { return !log.failCreate && ++log.creates > 0; });
+        steppedNow += kCreateNanoseconds;
+        open = FileLog::Locked([this](FileLog& log) {
+            if (log.failCreate) return false;
+            index = log.files.size();
+            log.files.emplace_back();
+            return true;
+        });
+        return open;
     }
     bool Write(const void* data, size_t size) {
         const uint8_t* first = static_cast<const uint8_t*>(data);
         return FileLog::Locked([&](FileLog& log) {
             log.writes.push_back(size);
-            log.bytes.insert(log.bytes.end(), first, first + size);
+            log.files[index].insert(log.files[index].end(), first, first + size);
             return !log.failWrites;
         });
     }
@@ -78,37 +89,28 @@ public:
 
 private:
     bool open = false;
+    size_t index = 0;
 };
 
 // Holds the writer thread back at its start until the test opens the gate.
 struct WriterGate {
-    std::mutex lock;
-    std::condition_variable changed;
-    bool open = true;
-
-    static WriterGate& Instance() {
-        static WriterGate gate;
-        return gate;
-    }
-    void Set(bool isOpen) {
-        {
-            std::lock_guard guard(lock);
-            open = isOpen;
-        }
-        changed.notify_all();
-    }
-    void Pass() {
-        std::unique_lock guard(lock);
-        changed.wait(guard, [this] { return open; });
+    static inline std::atomic<bool> open{true};
+    static void Set(bool isOpen) { open.store(isOpen); }
+    static void Pass() {
+        while (!open.load()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 };
 
-struct HeldWriterPlatform {
+// `Stepped`: the recorder's clock is LoggingFile::steppedNow; otherwise the steady clock.
+template <bool Stepped>
+struct MemoryPlatform {
     using File = LoggingFile;
-    static void EnterWriterThread() { WriterGate::Instance().Pass(); }
+    static int64_t Now() { return Stepped ? LoggingFile::steppedNow.load() : SteadyNowNanoseconds(); }
+    static void EnterWriterThread() { WriterGate::Pass(); }
     static void IdleWait() { std::this_thread::sleep_for(std::chrono::milliseconds(1)); }
 };
 
-using HeldRecorder = BasicTelemetryRecorder<HeldWriterPlatform>;
+using HeldRecorder = BasicTelemetryRecorder<MemoryPlatform<true>>;
+using LiveRecorder = BasicTelemetryRecorder<MemoryPlatform<false>>;
 
 }  // namespace veltor::test

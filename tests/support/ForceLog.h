@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/EnginePlatform.h"
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor::test {
@@ -82,6 +83,13 @@ struct RecordingPlatform : EnginePlatform {
     }
     // While set, the engine thread stays inside its next wait between two outputs.
     static std::atomic<bool> holdInWait;
+};
+
+// The same on a clock that the test sets, with waits between outputs that return at once.
+struct SteppedPlatform : RecordingPlatform {
+    static inline std::atomic<int64_t> now{0};
+    static int64_t Now() { return now.load(); }
+    static void WaitUntilOffset(int64_t, int32_t, int32_t) {}
 };
 
 }  // namespace veltor::test

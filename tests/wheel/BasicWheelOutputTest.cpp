@@ -46,7 +46,13 @@ protected:
     DeviceGuid guid{};
 };
 
-TEST_F(WheelOutputTest, Open_CallsInOrderExclusiveWithoutAutocentreAndNoEffect) {
+// The open in its order, without an effect yet; a failure at the interface, the device or Acquire leaves
+// what was made for the next Close, and a later open works. Closing a wheel never opened touches no device.
+TEST_F(WheelOutputTest, Open_CallsInOrderAndFailsAtEachStage) {
+    wheel.commandedForce.store(500);
+    wheel.Close();
+    EXPECT_EQ(wheel.commandedForce.load(), 0);
+    EXPECT_TRUE(wheel.device.calls.empty());
     ASSERT_TRUE(wheel.OpenDevice(nullptr, &guid));
     std::vector<std::string> names;
     for (const auto& call : wheel.device.calls) names.push_back(call.name);
@@ -54,32 +60,15 @@ TEST_F(WheelOutputTest, Open_CallsInOrderExclusiveWithoutAutocentreAndNoEffect) 
                                                "SetCooperativeLevel", "DisableAutocenter", "SetEventNotification",
                                                "Acquire"}));
     EXPECT_FALSE(wheel.device.HasEffect());
-}
-
-TEST_F(WheelOutputTest, Open_FailsAtInterfaceDeviceOrAcquireAndALaterOpenWorks) {
-    wheel.device.createInterfaceResult = -1;
-    EXPECT_FALSE(wheel.OpenDevice(nullptr, &guid));
-    wheel.device.createInterfaceResult = 0;
-    wheel.device.createDeviceResult = -1;
-    EXPECT_FALSE(wheel.OpenDevice(nullptr, &guid));
-    wheel.device.createDeviceResult = 0;
+    for (int32_t FakeWheelDevice::*result : {&FakeWheelDevice::createInterfaceResult,
+                                             &FakeWheelDevice::createDeviceResult, &FakeWheelDevice::acquireResult}) {
+        wheel.device.*result = kInputLost;
+        EXPECT_FALSE(wheel.Open(nullptr, &guid));
+        wheel.device.*result = 0;
+    }
     EXPECT_FALSE(wheel.OpenDevice(nullptr, nullptr));
-    wheel.device.acquireResult = kInputLost;
-    EXPECT_FALSE(wheel.Open(nullptr, &guid));
-    EXPECT_TRUE(wheel.device.HasDevice());  // left for the next Close
-    wheel.device.acquireResult = 0;
     EXPECT_TRUE(wheel.OpenDevice(nullptr, &guid));
-    EXPECT_EQ(wheel.device.Count("ReleaseDevice"), 1);  // the second Open closed what the first made
-}
-
-TEST_F(WheelOutputTest, Close_OnANeverOpenedWheelTouchesOnlyForceAndStop) {
-    wheel.commandedForce.store(500);
-    wheel.dampingPercent.store(40);
-    wheel.Close();
-    EXPECT_EQ(wheel.commandedForce.load(), 0);
-    EXPECT_TRUE(wheel.stopRequested.load());
-    EXPECT_EQ(wheel.dampingPercent.load(), 40);
-    EXPECT_TRUE(wheel.device.calls.empty());
+    EXPECT_EQ(wheel.device.Count("ReleaseDevice"), 2);  // the first open's device and the one Acquire failed on
 }
 
 // Nothing is created or sent for 1.2 s; the first pass after creates the effect, sends the ramp's first
@@ -104,104 +93,69 @@ TEST_F(WheelOutputTest, WarmUp_NothingFor1200MillisecondsThenTheEffectStartsAtZe
     EXPECT_EQ(wheel.device.Count("Start"), 1);
 }
 
-TEST_F(WheelOutputTest, Ramp_FollowsElapsedOver1800AndSlewsAt120) {
+// Half way through the ramp, half the force; steps of 120 until the ramp ends, then of 1200.
+TEST_F(WheelOutputTest, Ramp_FollowsElapsedOver1800AndSlewsAt120ThenAt1200) {
     const int64_t enabledAt = OpenAndEnable(6000);
-    const int64_t warmupEnd = enabledAt + 1200 * kMs;
-    RunUntil(warmupEnd + 900 * kMs);
-    EXPECT_EQ(wheel.outputMagnitude, 3000);  // half way through the ramp, half the force
+    RunUntil(enabledAt + 2100 * kMs);
+    EXPECT_EQ(wheel.outputMagnitude, 3000);
     wheel.commandedForce.store(-6000);
-    int32_t previous = wheel.outputMagnitude;
-    for (int pass = 0; pass < 50; ++pass) {
-        wheel.RunPass();
-        EXPECT_EQ(wheel.outputMagnitude - previous, -120) << "pass " << pass;
-        previous = wheel.outputMagnitude;
-    }
+    std::vector<int32_t> steps;
+    for (int pass = 0; pass < 3; ++pass, wheel.RunPass()) steps.push_back(wheel.outputMagnitude);
+    EXPECT_EQ(steps, (std::vector<int32_t>{3000, 2880, 2760}));
     RunUntil(enabledAt + 3000 * kMs);
     EXPECT_EQ(wheel.outputMagnitude, -6000);
-}
-
-TEST_F(WheelOutputTest, Running_StepTo9996ArrivesIn9PassesAt1200) {
-    const int64_t enabledAt = OpenAndEnable(0);
-    RunUntil(enabledAt + 3000 * kMs);
     wheel.commandedForce.store(9996);
-    const std::vector<int32_t> expected = {1200, 2400, 3600, 4800, 6000, 7200, 8400, 9600, 9996};
-    std::vector<int32_t> seen;
-    for (size_t pass = 0; pass < expected.size(); ++pass) {
-        wheel.RunPass();
-        seen.push_back(wheel.outputMagnitude);
-    }
-    EXPECT_EQ(seen, expected);
+    steps.clear();
+    for (int pass = 0; pass < 15; ++pass, steps.push_back(wheel.outputMagnitude)) wheel.RunPass();
+    EXPECT_EQ(steps, (std::vector<int32_t>{-4800, -3600, -2400, -1200, 0, 1200, 2400, 3600, 4800, 6000, 7200, 8400,
+                                           9600, 9996, 9996}));
     EXPECT_EQ(wheel.device.SentMagnitudes().back(), 9996);
 }
 
+// Force plus damping is clamped to 10000, also with wild positions and forces.
 TEST_F(WheelOutputTest, Damping_ForcePlusDampingIsClampedTo10000) {
-    const int64_t enabledAt = OpenAndEnable(9996);
+    const int64_t enabledAt = OpenAndEnable(INT32_MAX);
     wheel.lockDamping.store(true);
     RunUntil(enabledAt + 3000 * kMs);
     for (int pass = 0; pass < 20; ++pass) MovedPass(40);  // 0.04 units/µs × 150000 = 6000
     EXPECT_GT(wheel.dampingOutput, 5000);
-    EXPECT_EQ(wheel.outputMagnitude, 10000);
     EXPECT_EQ(wheel.device.SentMagnitudes().back(), 10000);
+    for (int pass = 0; pass < 20; ++pass) {
+        wheel.device.position = pass % 2 == 0 ? INT32_MAX : INT32_MIN;
+        MovedPass(0);
+        EXPECT_LE(std::abs(wheel.outputMagnitude), 10000);
+    }
 }
 
-TEST_F(WheelOutputTest, Damping_ScaleIsPercentTimes800OrLock150000) {
+// The scale is percent × 800, or 150000 near the lock; the term has the sign of the velocity. Without
+// damping nothing is read; an unsignalled pass keeps the last term; a failed read reacquires and resets.
+TEST_F(WheelOutputTest, Damping_FollowsTheRimsVelocity) {
     ASSERT_TRUE(wheel.OpenDevice(nullptr, &guid));
-    auto steadyTerm = [&](int32_t percent, bool lock) {
+    EXPECT_EQ(wheel.ComputeDamping(true), 0);
+    EXPECT_EQ(wheel.device.Count("ReadPosition"), 0);
+    const auto steadyTerm = [&](int32_t percent, bool lock, int32_t step) {
         wheel.dampingPercent.store(percent);
         wheel.lockDamping.store(lock);
         int32_t term = 0;
         for (int reading = 0; reading < 12; ++reading) {
             wheel.clock.now += kMs;
-            wheel.device.position += 10;  // 0.01 units/µs
+            wheel.device.position += step;
             term = wheel.ComputeDamping(true);
         }
         return term;
     };
-    EXPECT_NEAR(steadyTerm(50, false), 400, 1);
-    EXPECT_NEAR(steadyTerm(0, true), 1500, 1);
-    EXPECT_NEAR(steadyTerm(50, true), 1500, 1);
-}
-
-TEST_F(WheelOutputTest, Damping_OffReadsNothingAndUnsignalledKeepsTheLastTerm) {
-    ASSERT_TRUE(wheel.OpenDevice(nullptr, &guid));
-    EXPECT_EQ(wheel.ComputeDamping(true), 0);
-    EXPECT_EQ(wheel.device.Count("ReadPosition"), 0);
-
-    wheel.dampingPercent.store(100);
-    EXPECT_EQ(wheel.ComputeDamping(true), 0);  // first reading: no velocity yet
-    EXPECT_EQ(wheel.velocityIndex, 1);
-    for (float v : wheel.velocityHistory) EXPECT_EQ(v, 0.0f);
-    wheel.clock.now += kMs;
-    wheel.device.position -= 100;
-    const int32_t term = wheel.ComputeDamping(true);
-    EXPECT_LT(term, 0);  // in the sign of the velocity
+    EXPECT_NEAR(steadyTerm(50, false, 10), 400, 1);  // 0.01 units/µs
+    EXPECT_NEAR(steadyTerm(0, true, 10), 1500, 1);
+    EXPECT_NEAR(steadyTerm(50, true, -10), -1500, 1);
     const int32_t reads = wheel.device.Count("ReadPosition");
-    wheel.device.position -= 100;
-    EXPECT_EQ(wheel.ComputeDamping(false), term);
+    wheel.device.position += 1000;
+    EXPECT_NEAR(wheel.ComputeDamping(false), -1500, 1);
     EXPECT_EQ(wheel.device.Count("ReadPosition"), reads);
-}
-
-TEST_F(WheelOutputTest, Damping_FailedReadReacquiresAndResets) {
-    ASSERT_TRUE(wheel.OpenDevice(nullptr, &guid));
-    wheel.dampingPercent.store(100);
-    wheel.ComputeDamping(true);
     wheel.device.readResult = kInputLost;
-    wheel.clock.now += kMs;
     EXPECT_EQ(wheel.ComputeDamping(true), 0);
     EXPECT_EQ(wheel.lastPositionTime, 0);
     EXPECT_EQ(wheel.device.Count("Unacquire"), 1);
     EXPECT_EQ(wheel.errorCount.load(), 0u);
-}
-
-TEST_F(WheelOutputTest, Damping_WildPositionsAndForcesStayBounded) {
-    const int64_t enabledAt = OpenAndEnable(INT32_MAX);
-    wheel.lockDamping.store(true);
-    RunUntil(enabledAt + 3000 * kMs);
-    for (int pass = 0; pass < 20; ++pass) {
-        wheel.device.position = pass % 2 == 0 ? INT32_MAX : INT32_MIN;
-        MovedPass(0);
-    }
-    EXPECT_LE(std::abs(wheel.outputMagnitude), 10000);
 }
 
 TEST_F(WheelOutputTest, RecordError_RepeatsCountOnceASecondAndChangesAlways) {
@@ -245,25 +199,24 @@ TEST_F(WheelOutputTest, SetParametersFailing_CountsOncePerSecondReacquiresEvery2
     EXPECT_EQ(wheel.device.SentMagnitudes().back(), magnitude);
 }
 
-TEST_F(WheelOutputTest, StartFailing_RecoversThroughOneLevelOfReacquire) {
+// A failed Start is counted and recovers through one level of reacquire; a failed CreateEffect is retried
+// every 50 ms without being counted.
+TEST_F(WheelOutputTest, EffectFailuresRecover) {
     wheel.device.startResult = kNotExclusive;
-    const int64_t enabledAt = OpenAndEnable(1000);
-    RunUntil(enabledAt + 1201 * kMs);
-    EXPECT_EQ(wheel.errorCount.load(), 1u);
-    EXPECT_EQ(wheel.lastError.load(), kNotExclusive);
-    EXPECT_FALSE(wheel.effectStarted);
-    wheel.device.startResult = 0;
-    wheel.RunPass();
-    EXPECT_TRUE(wheel.effectStarted);
-}
-
-TEST_F(WheelOutputTest, CreateEffectFailing_RetriesEvery50Milliseconds) {
     wheel.device.createEffectResult = -1;
     const int64_t enabledAt = OpenAndEnable(1000);
     RunUntil(enabledAt + 1200 * kMs + 200 * kMs);
     EXPECT_EQ(wheel.device.Count("CreateEffect"), 4);
     EXPECT_EQ(wheel.device.Count("SetParameters"), 0);
     EXPECT_EQ(wheel.errorCount.load(), 0u);
+    wheel.device.createEffectResult = 0;
+    RunUntil(wheel.clock.now + 100 * kMs);
+    EXPECT_EQ(wheel.errorCount.load(), 1u);
+    EXPECT_EQ(wheel.lastError.load(), kNotExclusive);
+    EXPECT_FALSE(wheel.effectStarted);
+    wheel.device.startResult = 0;
+    RunUntil(wheel.clock.now + 300 * kMs);
+    EXPECT_TRUE(wheel.effectStarted);
 }
 
 TEST_F(WheelOutputTest, OutputDisabledMidRamp_StopsAtOnceAndTheNextEnableWarmsUpAgain) {

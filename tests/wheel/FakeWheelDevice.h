@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/WindowHandle.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor::test {

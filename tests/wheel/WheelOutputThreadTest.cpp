@@ -1,4 +1,5 @@
-// The product's wheel on the host twin, with its real output thread beside an engine-like writer.
+// The product's wheel on the host twin: its real output thread beside an engine-like writer, and what a
+// pass allocates.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,12 +7,16 @@
 #include <chrono>
 #include <thread>
 
+#include "AllocationCounter.h"
+#include "FakeWheelDevice.h"
 #include "wheel/DirectInputDevice_host.h"
 #include "wheel/WheelDevice.h"
 #include "wheel/WheelOutput.h"
 
 namespace veltor {
 namespace {
+
+using Objects = DirectInputDevice::Objects;
 
 TEST(WheelOutputThread, FollowsTheWriterAfterTheWarmUpAndStopsOnClose) {
     std::vector<WheelDevice> wheels;
@@ -28,31 +33,42 @@ TEST(WheelOutputThread, FollowsTheWriterAfterTheWarmUpAndStopsOnClose) {
             std::this_thread::sleep_for(std::chrono::microseconds(1380));
         }
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(1700));
+    // The first passes come after the 1.2 s warm-up; a loaded machine may take much longer.
+    const Objects& objects = wheel.device.PlatformObjects();
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (objects.sentCount.load() < 200 && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     stop.store(true);
     engine.join();
     wheel.Close();
 
-    const auto& objects = wheel.device.PlatformObjects();
-    const std::vector<int32_t>& sent = objects.sentMagnitudes;
-    ASSERT_FALSE(sent.empty());
+    const std::vector<int32_t> sent = objects.SentMagnitudes();
+    ASSERT_GE(sent.size(), 200u);
     EXPECT_GE(objects.startCount, 1);
     EXPECT_FALSE(objects.effectPlaying);  // Close stopped it
     EXPECT_GT(*std::max_element(sent.begin(), sent.end()), 0);
-    for (size_t i = 1; i < sent.size(); ++i) EXPECT_LE(std::abs(sent[i]), 10000);
+    for (const int32_t magnitude : sent) EXPECT_LE(std::abs(magnitude), 10000);
     EXPECT_EQ(wheel.errorCount.load(), 0u);
 }
 
-TEST(WheelOutputThread, CloseDuringWarmUpSendsNothing) {
-    WheelOutput wheel;
-    DeviceGuid guid;
-    ASSERT_TRUE(wheel.Open(nullptr, &guid));
-    wheel.outputEnabled.exchange(true);
-    wheel.commandedForce.exchange(5000);
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    wheel.Close();
-    EXPECT_TRUE(wheel.device.PlatformObjects().sentMagnitudes.empty());
-    EXPECT_FALSE(wheel.device.HasDevice());
+// Past the warm-up, with damping reading the rim, and after more than two minutes' worth of sends.
+TEST(WheelOutputPass, AllocatesNothing) {
+    BasicWheelOutput<DirectInputDevice, test::SteppedClock> wheel;
+    const DeviceGuid guid;
+    ASSERT_TRUE(wheel.OpenDevice(nullptr, &guid));
+    wheel.commandedForce.store(3000);
+    wheel.dampingPercent.store(30);
+    wheel.outputEnabled.store(true);
+    const Objects& objects = wheel.device.PlatformObjects();
+    while (objects.sentCount.load() == 0) wheel.RunPass();  // the stepped clock runs through the warm-up
+    for (int i = 0; i < 1 << 17; ++i) wheel.device.SetParameters();
+    const uint64_t sentBefore = objects.sentCount.load();
+    const long before = test::AllocationCount();
+    for (int pass = 0; pass < 200; ++pass) wheel.RunPass();
+    EXPECT_EQ(test::AllocationCount() - before, 0);
+    EXPECT_EQ(objects.sentCount.load() - sentBefore, 200u);
+    EXPECT_EQ(objects.SentMagnitudes().size(), Objects::kKeptMagnitudes);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 
 #include "Simulator.h"
 #include "engine/EnginePlatform.h"
-#include "engine/FfbEngine.h"
+#include "engine/EngineLoop.h"
 #include "telemetry/SimulatorLink_host.h"
 
 namespace {

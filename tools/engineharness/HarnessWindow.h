@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 
-#include "wheel/DeviceGuid.h"
+#include "platform/WindowHandle.h"
 
 // The harness's window: the engine hands it to DirectInput as the wheel's cooperative window.
 // HarnessWindow_win32.cpp makes a hidden top-level window; the host twin has none and only waits.

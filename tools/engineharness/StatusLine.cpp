@@ -46,10 +46,10 @@ std::string FormatStatusLine(const EngineStatus& s) {
     char counters[256];
     std::snprintf(counters, sizeof counters,
                   ", user id %d, name known %d, output reports %u (peak %d), clip reports %u (%.2f%%), "
-                  "output failures %u (0x%08X)",
+                  "output failures %u (0x%08X), stalls %u",
                   s.driverUserId, s.driverNameKnown ? 1 : 0, s.outputReportCount, s.outputReportPeak,
                   s.clipReportCount, static_cast<double>(s.clippedPercent), s.outputFailureCount,
-                  s.outputFailureCode);
+                  s.outputFailureCode, s.telemetryStallCount);
     return std::string("status: ") + (s.connected ? "connected" : "disconnected") + ", " +
            (s.onTrack ? "on track" : "off track") + ", car " + Utf8Of(s.carPath) + ", driver \"" +
            Utf8Of(s.driverName) + "\"" + counters;

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "engine/EngineLoop.h"
 #include "engine/FfbEngine.h"
 #include "recording/RecordingHeader.h"
 #include "recording/WideToUtf8.h"

@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "CallLog.h"
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace virtualwheel {
 

@@ -1,9 +1,9 @@
-#include "recording/RecordingHook.h"
+#include "engine/RecordingHook.h"
 
 #include <cmath>
 
-#include "engine/BaseSignal.h"
-#include "engine/RoadTexture.h"
+#include "engine/MixForce.h"
+#include "engine/OutputStage.h"
 
 namespace veltor {
 namespace {
@@ -55,9 +55,33 @@ RecordingSample MakeTickSample(const TickSignals& tick, uint64_t timeMicrosecond
     return sample;
 }
 
-void RecordTick(TelemetryRecorder& recorder, const TickSignals& tick, int64_t now) {
-    if (!recorder.IsActive()) return;
-    recorder.Push(MakeTickSample(tick, recorder.ElapsedMicroseconds(now)));
+void RecordTick(TelemetryRecorder& recorder, const TickSignals& tick, int64_t (*steadyNow)()) {
+    RecordingTicket ticket;
+    if (!recorder.BeginSample(ticket)) return;
+    recorder.Push(MakeTickSample(tick, ticket.ElapsedMicroseconds(steadyNow())), ticket);
+}
+
+RecordingHeader MakeRecordingHeader(std::wstring_view carPath, std::wstring_view driverName,
+                                    std::wstring_view profileName, const EngineSettings& settings, const CarRow& row,
+                                    uint64_t startTimeMs) {
+    RecordingHeader header = NewRecordingHeader(startTimeMs);
+    FillRecordingText(carPath, header.carPath);
+    FillRecordingText(driverName, header.driverName);
+    FillRecordingText(profileName, header.profileName);
+    header.ForceStrength = settings.ForceStrength;
+    header.Bumps = settings.Bumps;
+    header.BumpImpacts = settings.BumpImpacts;
+    header.UndersteerResistance = settings.UndersteerResistance;
+    header.SuspensionDetailPriority = settings.SuspensionDetailPriority;
+    header.CarForceBalance = settings.CarForceBalance;
+    header.YawRateMultiplier = row.YawRateMultiplier;
+    header.LateralAccelDivisor = row.LateralAccelDivisor;
+    header.ResistanceGain = row.ResistanceGain;
+    header.SteerMarginBias = row.SteerMarginBias;
+    header.wheelbaseMaxTorque = static_cast<float>(settings.WheelbaseMaxTorqueTenths) / 10.0f;
+    header.AbsVibration = settings.AbsVibration;
+    header.YawSteerGain = row.YawSteerGain;
+    return header;
 }
 
 }  // namespace veltor

@@ -1,7 +1,9 @@
-#include "engine/BaseSignal.h"
+#include "engine/OutputStage.h"
 
 #include <algorithm>
 #include <cmath>
+
+#include "engine/FfbEngine.h"
 
 namespace veltor {
 namespace {
@@ -9,12 +11,10 @@ namespace {
 constexpr int32_t kParkedDivisor = 4;  // parked cars get a quarter of the force
 constexpr float kMinForceUnitsPerStep = 100.0f;  // output units per step of MinForce
 constexpr float kKneeOffsetUnits = 400.0f;
-constexpr float kKneeCeilingUnits = 9996.0f;
+constexpr float kKneeCeilingUnits = static_cast<float>(kHandOverLimit);
+constexpr float kDefaultFullScaleTorque = 40.0f;  // Nm at full scale with the default strength
+constexpr float kDefaultStrength = 50.0f;
 constexpr float kMaxCurveSlope = 3.0f;
-constexpr float kLockStopApplyBelowRadians = 8.0f;   // a reported half-lock this large has no stop
-constexpr float kLockDampingZoneRadians = 0.5236f;   // 30 degrees short of the lock
-constexpr float kLockFullStopRadians = 0.2618f;      // full stop force 15 degrees past the lock
-constexpr float kLockStopUnits = 10000.0f;
 
 // The low-force curve: a cubic Hermite from (0, 0) with slope k to (1, 1) with slope 1, below the knee.
 int32_t LowForceCurve(int32_t value, int32_t minForce) {
@@ -35,12 +35,13 @@ int32_t LowForceCurve(int32_t value, int32_t minForce) {
 }  // namespace
 
 float FullScaleTorque(const EngineSettings& settings) {
-    return 2000.0f / static_cast<float>(std::max(settings.ForceStrength, 1));
+    return kDefaultFullScaleTorque * kDefaultStrength / static_cast<float>(std::max(settings.ForceStrength, 1));
 }
 
 int32_t ToOutputUnits(float force, const EngineSettings& settings) {
     if (settings.ForceStrength <= 0) return 0;
-    const float r = (force / 40.0f) * (static_cast<float>(settings.ForceStrength) / 50.0f) * 10000.0f;
+    const float r = (force / kDefaultFullScaleTorque) * (static_cast<float>(settings.ForceStrength) / kDefaultStrength) *
+                    kFullScaleUnits;
     // A value beyond the i32 range (or NaN from a broken frame) has no defined truncation; pin it.
     if (std::isnan(r)) return 0;
     if (r >= 2147483520.0f) return 2147483520;
@@ -54,28 +55,41 @@ int32_t ShapeOutput(int32_t value, bool parked, const EngineSettings& settings) 
     return LowForceCurve(value, settings.MinForce);
 }
 
-float BaseTorque(const TelemetryFrame& frame, const GripResult& grip, int i) {
-    const int32_t c = frame.torqueSampleCount;
-    const float source = c > 0 ? frame.torqueSamples[std::min(i, c - 1)] : frame.steeringWheelTorque;
-    return source * grip.steeringGain * grip.forceBalance;
+// Clipping is measured before the parked reduction and the low-force curve, the output after them.
+int32_t FfbEngine::CountOutput(float force, bool parked, const EngineSettings& tickSettings) {
+    const int32_t v = ToOutputUnits(force, tickSettings);
+    ++clipSamples;
+    if (v > kHandOverLimit || v < -kHandOverLimit) ++clipOver;
+    const int32_t c = std::clamp(v, -kHandOverLimit, kHandOverLimit);
+    const int32_t s = ShapeOutput(c, parked, tickSettings);
+    ++outSamples;
+    if (s != 0) ++outNonZero;
+    outPeak = std::max(outPeak, s < 0 ? -s : s);
+    return std::clamp(s, -kHandOverLimit, kHandOverLimit);
 }
 
-SteeringLockResult ComputeSteeringLock(const TelemetryFrame& frame, const EngineSettings& settings) {
-    SteeringLockResult result;
-    const float half = frame.steeringWheelAngleMax * 0.5f;
-    const bool stopApplies = std::fabs(half) < kLockStopApplyBelowRadians;
-    const float angle = std::fabs(frame.steeringWheelAngle);
-    result.dampingPercent = std::clamp(settings.Damping, 0, 100);
-    result.lockDamping = stopApplies && angle > half - kLockDampingZoneRadians;
-    result.pastLock = stopApplies && angle > half;
-    if (!result.pastLock) return result;
+void FfbEngine::ReportClipping() {
+    const float percent = clipSamples >= 1
+                              ? static_cast<float>(clipOver) * 100.0f / static_cast<float>(clipSamples)
+                              : 0.0f;
+    {
+        std::lock_guard guard(statusLock);
+        ++status.clipReportCount;
+        status.clippedPercent = percent;
+    }
+    clipSamples = 0;
+    clipOver = 0;
+}
 
-    const float p = std::min((angle - half) / kLockFullStopRadians, 1.0f);
-    const float s = frame.steeringWheelAngle > 0.0f ? -1.0f : 1.0f;
-    const int32_t o = std::clamp(ToOutputUnits(frame.steeringWheelTorque, settings), -kHandOverLimit, kHandOverLimit);
-    const float r = static_cast<float>(o) * (1.0f - p) + s * p * kLockStopUnits;
-    result.stopForce = std::clamp(static_cast<int32_t>(r), -kHandOverLimit, kHandOverLimit);
-    return result;
+void FfbEngine::ReportOutput() {
+    std::lock_guard guard(statusLock);
+    ++status.outputReportCount;
+    status.outputReportSamples = static_cast<uint32_t>(outSamples);
+    status.outputReportNonZero = static_cast<uint32_t>(outNonZero);
+    status.outputReportPeak = outPeak;
+    outSamples = 0;
+    outNonZero = 0;
+    outPeak = 0;
 }
 
 }  // namespace veltor

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 namespace {

@@ -1,7 +1,7 @@
 #include <windows.h>
 #include <timeapi.h>
 
-#include "engine/ThreadControl.h"
+#include "platform/ThreadControl.h"
 
 namespace veltor {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "TelemetryLayoutWriter.h"
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 #include "telemetry/IrsdkLayout.h"
 
 namespace veltor::test {

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "engine/SteadyClock.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 

@@ -5,7 +5,7 @@
 #include <immintrin.h>
 #endif
 
-// The steady clock every thread of the engine paces itself by, in nanoseconds. On Windows it is the
+// The steady clock every thread paces itself by, in nanoseconds. On Windows it is the
 // performance counter; host builds use the monotonic clock.
 namespace veltor {
 

@@ -1,7 +1,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "engine/ThreadControl.h"
+#include "platform/ThreadControl.h"
 
 namespace veltor {
 
