@@ -120,6 +120,7 @@ public:
     uint32_t LastDeviceErrorStamp = 0;
     uint32_t LastTrackStamp = 0;
     uint32_t LastReportStamp = 0;
+    uint32_t LastStallStamp = 0;  // telemetryStallCount; cleared like the three above
     HFONT BodyFont = nullptr;
     HFONT TitleFont = nullptr;
     HFONT SectionFont = nullptr;

@@ -65,6 +65,7 @@ void App::StartEngine() {
     LastDeviceErrorStamp = 0;
     LastTrackStamp = 0;
     LastReportStamp = 0;
+    LastStallStamp = 0;
     ShowRunningButtons(*this, true);
     ShowTorqueField(Store.CurrentSettings.WheelbaseMaxTorqueTenths);
     AppendLog(L"FFB engine started.");
@@ -81,6 +82,7 @@ void App::StopEngine() {
     LastDeviceErrorStamp = 0;
     LastTrackStamp = 0;
     LastReportStamp = 0;
+    LastStallStamp = 0;
     AppendLog(L"FFB engine stopped.");
 }
 

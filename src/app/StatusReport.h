@@ -16,7 +16,7 @@ std::wstring DirectInputErrorLine(uint32_t code);
 
 // The engine's reports in a status snapshot that the session log hasn't shown yet. Each `...Count` reaches
 // the log once: `Window` keeps the value logged last in LastClipStamp, LastTrackStamp, LastReportStamp and
-// LastDeviceErrorStamp, and has AppendLog. Track and output reports wait while debug logging is off, so the
+// LastDeviceErrorStamp and LastStallStamp, and has AppendLog. Track and output reports wait while debug logging is off, so the
 // latest of each comes out as soon as it goes on.
 template <class Window>
 void LogNewClippingReport(Window& window, const EngineStatus& status) {
@@ -44,6 +44,10 @@ void LogNewStatusReports(Window& window, const EngineStatus& status, bool debugL
     if (status.outputFailureCount != 0 && status.outputFailureCount != window.LastDeviceErrorStamp) {
         window.LastDeviceErrorStamp = status.outputFailureCount;
         window.AppendLog(DirectInputErrorLine(status.outputFailureCode));
+    }
+    if (status.telemetryStallCount != 0 && status.telemetryStallCount != window.LastStallStamp) {
+        window.LastStallStamp = status.telemetryStallCount;
+        window.AppendLog(L"Telemetry stalled: force released.");
     }
 }
 

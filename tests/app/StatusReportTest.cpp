@@ -15,6 +15,7 @@ struct LogWindow {
     uint32_t LastDeviceErrorStamp = 0;
     uint32_t LastTrackStamp = 0;
     uint32_t LastReportStamp = 0;
+    uint32_t LastStallStamp = 0;
     std::vector<std::wstring> lines;
     void AppendLog(const std::wstring& line) { lines.push_back(line); }
 };
@@ -31,12 +32,14 @@ TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch
     s.clippedPercent = 2.5f;
     s.outputFailureCount = 2;
     s.outputFailureCode = 0x80040205u;
+    s.telemetryStallCount = 1;
     const std::wstring noForce = L"No non-zero FFB was sent. Check iRacing telemetry On track status.";
 
     LogWindow w;
     LogNewStatusReports(w, s, false);
     EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"2.50% of samples were clipped",
-                                                   L"DirectInput FFB error: 0x80040205 (DIERR_NOTEXCLUSIVEACQUIRED)"}));
+                                                   L"DirectInput FFB error: 0x80040205 (DIERR_NOTEXCLUSIVEACQUIRED)",
+                                                   L"Telemetry stalled: force released."}));
     w.lines.clear();
     LogNewStatusReports(w, s, true);
     EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"Telemetry: On track.",
@@ -61,11 +64,12 @@ TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch
                   L"Non-zero FFB was sent to DirectInput. If the wheel is still dead, test DirectInput/Simucube effect "
                   L"compatibility."}));
 
-    // A cleared stamp, as after Start or Stop, brings the same failure count out again.
+    // Cleared stamps, as after Start or Stop, bring the same counts out again.
     w.lines.clear();
     w.LastDeviceErrorStamp = 0;
+    w.LastStallStamp = 0;
     LogNewStatusReports(w, s, false);
-    EXPECT_EQ(w.lines.size(), 1u);
+    EXPECT_EQ(w.lines.size(), 2u);
 }
 
 TEST(StatusReport, DirectInputFailuresAreNamedOrUnknown) {
