@@ -20,6 +20,7 @@ constexpr wchar_t kRecordingFilter[] =
     L"Veltor telemetry recording (*.vtrrec)\0*.vtrrec\0All files (*.*)\0*.*\0";
 constexpr DWORD kLogWindowExStyle = 0x40000;    // WS_EX_APPWINDOW
 constexpr DWORD kLogWindowStyle = 0x00FF08C4;   // overlapped, both scroll bars, multi-line, read-only
+constexpr wchar_t kLogWindowTitle[] = L"Veltor Session Log";
 constexpr int kLogWindowWidth = 900;
 constexpr int kLogWindowHeight = 520;
 
@@ -139,9 +140,12 @@ void App::ShowLogWindow() {
         SetForegroundWindow(LogWindow);
         return;
     }
-    LogWindow = CreateWindowExW(kLogWindowExStyle, L"Edit", L"Veltor Session Log", kLogWindowStyle, CW_USEDEFAULT,
+    LogWindow = CreateWindowExW(kLogWindowExStyle, L"Edit", kLogWindowTitle, kLogWindowStyle, CW_USEDEFAULT,
                                 CW_USEDEFAULT, kLogWindowWidth, kLogWindowHeight, Window, nullptr, Instance, nullptr);
     if (LogWindow == nullptr) return;
+    // An edit control keeps the name it was created with as its content; some systems leave the caption
+    // empty then. The default procedure sets the caption alone.
+    DefWindowProcW(LogWindow, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(kLogWindowTitle));
     SendMessageW(LogWindow, WM_SETFONT, reinterpret_cast<WPARAM>(MonoFont), TRUE);
     SendMessageW(LogWindow, EM_SETLIMITTEXT, 0, 0);  // no cap of the control's own on a long session
     // Replacing the selection, unlike WM_SETTEXT, leaves the caption alone.
