@@ -26,7 +26,9 @@ std::wstring TextOf(HWND control, int capacity) {
 }  // namespace
 
 void App::ShowSettings(const EngineSettings& settings) {
-    SendMessageW(OutputModeCombo, CB_SETCURSEL, static_cast<WPARAM>(settings.Mode), 0);
+    // A mode the list doesn't have (a hand-edited file) shows, and starts, as the first one.
+    const bool listed = settings.Mode >= 0 && settings.Mode < static_cast<int32_t>(kOutputModeLines.size());
+    SendMessageW(OutputModeCombo, CB_SETCURSEL, listed ? static_cast<WPARAM>(settings.Mode) : 0, 0);
     for (CheckboxRow& row : CheckboxRows) {
         const CatalogueEntry* entry = FindTunableControl(row.Id);
         if (entry == nullptr || entry->CheckField == nullptr) continue;

@@ -100,8 +100,8 @@ protected:
         return text;
     }
 
-    // Presses Record and answers the save dialog with a file in the program's folder. The proposed name
-    // comes back in `proposed`.
+    // Presses Record and answers the save dialog with a file in the program's folder, or cancels it for an
+    // empty name. The proposed name comes back in `proposed`.
     static bool RecordTo(const std::wstring& name, std::wstring& proposed) {
         program->Press(1124);
         HWND dialog = nullptr;
@@ -113,6 +113,10 @@ protected:
         });
         if (!shown) return false;
         proposed = WindowText(fileName);
+        if (name.empty()) {
+            PostMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
+            return program->WaitUntil([&] { return !IsWindow(dialog); });
+        }
         const std::wstring path = program->folder.Path + L"\\" + name;
         SendMessageW(fileName, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
         PostMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
@@ -252,9 +256,16 @@ TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEn
     EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", kInputLost}, firstRunEnd)) << program->Log();
     ASSERT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", L"Telemetry: On track.\r\n"}, firstRunEnd));
     std::wstring proposed;
+    const size_t beforeCancel = program->Log().size();
+    ASSERT_TRUE(RecordTo(L"", proposed));
+    EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
     ASSERT_TRUE(RecordTo(L"second session.vtrrec", proposed));
     EXPECT_EQ(proposed.rfind(L"Veltor_porsche992rgt3_", 0), 0u) << proposed;
     ASSERT_TRUE(program->WaitForLog({L"Telemetry recording started.\r\n"}, firstRunEnd)) << program->Log();
+    // The cancelled dialog said nothing: the first line about a recording since is the started one.
+    const std::wstring log = program->Log();
+    const std::wstring meanwhile = log.substr(beforeCancel, log.find(L"Telemetry recording started.", beforeCancel) - beforeCancel);
+    EXPECT_EQ(meanwhile.find(L"recording"), std::wstring::npos) << meanwhile;
     program->Press(1125);
     EXPECT_TRUE(program->WaitForLog({L"Telemetry recording saved"}, firstRunEnd));
     EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
