@@ -80,10 +80,11 @@ protected:
         SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", kWheelFaults);
         started = program->Start() && MeasureStrip(program->window, "session-before", before);
     }
+    // The simulator first: its output file lies in the program's folder, which goes with the program.
     static void TearDownTestSuite() {
+        simulator.reset();
         delete program;
         program = nullptr;
-        simulator.reset();
     }
     void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
 
