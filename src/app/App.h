@@ -1,14 +1,18 @@
 #pragma once
 #include <windows.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/CheckboxControl.h"
 #include "app/GdiplusFlat.h"
 #include "app/SliderControl.h"
 #include "engine/FfbEngine.h"
+#include "profiles/DriverTracking.h"
+#include "profiles/ProfileStore.h"
 #include "wheel/WheelDevice.h"
 
 namespace veltor {
@@ -58,7 +62,30 @@ public:
     void OnTimer();
     void OnSlider(HWND slider, int32_t value);
     void OnCheckbox(int32_t id);
-    void ReceiveAdvicePath(const std::wstring& path);
+    void ApplyAdviceFile(const std::wstring& path);
+
+    // The engine, the recording, the analyzer and the log window (EngineCommands_win32.cpp).
+    void StartEngine();
+    void StopEngine();
+    void StartRecording();
+    void StopRecording();
+    void LaunchAnalyzer();
+    void ShowLogWindow();
+    void LogClippingReport(const EngineStatus& status);
+
+    // The profile store's state on the controls and in the engine: the view of DriverTracking
+    // (SettingsView_win32.cpp).
+    DriverTracking<App> Tracking() { return {Store, *this}; }
+    void ShowSettings(const EngineSettings& settings);
+    void SetSliderValue(int32_t id, int32_t value);
+    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCarSliderCount>& sliderValues);
+    void ShowProfileList(const std::vector<DriverProfile>& profiles, int32_t selected);
+    void ShowCarSpecificCheck(bool checked);
+    void ShowTorqueField(int32_t tenths);
+    std::wstring ReadProfileNameText() const;
+    std::wstring ReadTorqueText() const;
+    void PublishSettings(const EngineSettings& settings) { Engine.PublishSettings(settings); }
+    void PublishOverrides(const std::vector<CarCoefficients>& overrides) { Engine.PublishOverrides(overrides); }
 
     // The update notice at start and the "Update" button (UpdateFlow_win32.cpp).
     void NotifyUpdateAtStart();
@@ -97,6 +124,7 @@ public:
     uint32_t LastDeviceErrorStamp = 0;
     uint32_t LastTrackStamp = 0;
     uint32_t LastReportStamp = 0;
+    uint32_t LastStallStamp = 0;  // telemetryStallCount; never cleared: each stall is told once
     HFONT BodyFont = nullptr;
     HFONT TitleFont = nullptr;
     HFONT SectionFont = nullptr;
@@ -110,6 +138,7 @@ public:
     ULONG_PTR GdiplusToken = 0;
     Gdiplus::GpBitmap* LogoBitmap = nullptr;  // reads from LogoStream for as long as it lives
     IStream* LogoStream = nullptr;
+    ProfileStore Store;
     std::vector<SliderRow> SliderRows;  // never reallocated: the controls point into them
     std::vector<CheckboxRow> CheckboxRows;
     std::vector<WheelDevice> Devices;  // an entry's position is its position in DeviceCombo

@@ -92,8 +92,12 @@ int App::AppRun(HINSTANCE instance, int showCommand, const std::wstring& adviceP
     RegisterSliderClass(instance, PanelBrush);
     RegisterCheckboxClass(instance, PanelBrush);
 
+    Store.LoadCoefficients();
+    Engine.PublishOverrides(Store.CoefficientOverrides);
+    Store.LoadProfiles();
+
     if (!CreateMainWindow(showCommand)) return 1;
-    if (!advicePath.empty()) ReceiveAdvicePath(advicePath);
+    if (!advicePath.empty()) ApplyAdviceFile(advicePath);
     ListWheels(*this);
     SetTimer(Window, kStatusTimerId, kStatusTimerMilliseconds, nullptr);
     NotifyUpdateAtStart();

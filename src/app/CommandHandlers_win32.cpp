@@ -1,31 +1,139 @@
 #include "app/App.h"
 
-namespace veltor {
+#include <shellapi.h>
 
-// The window keeps its rows and value texts current; the commands behind the controls come with the
-// engine's controls, the profiles and the advice.
-LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
-    switch (LOWORD(wParam)) {
-        case 1127: RunUpdate(); return 0;
-        default: return DefWindowProcW(Window, WM_COMMAND, wParam, lParam);
+#include <cwchar>
+
+#include "app/ControlCatalogue.h"
+#include "app/StatusReport.h"
+
+namespace veltor {
+namespace {
+
+constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr wchar_t kRunValue[] = L"Veltor";
+constexpr DWORD kModulePathChars = 260;
+
+// What the session log says when a switch changes, on and off.
+struct SwitchMessage {
+    int32_t id;
+    const wchar_t* on;
+    const wchar_t* off;
+};
+
+constexpr SwitchMessage kSwitchMessages[] = {
+    {1005, L"Parked force reduction enabled.", L"Parked force reduction disabled."},
+    {1006, L"Start minimized enabled.", L"Start minimized disabled."},
+    {1007, L"Run on startup enabled.", L"Run on startup disabled."},
+    {1011, L"Simucube mode enabled. Stop and Start FFB to apply.", L"Simucube mode disabled. Stop and Start FFB to apply."},
+    {1012, L"Debug logging enabled.", L"Debug logging disabled."},
+};
+
+// The user's Run key starts the program, quoted, at log-on. A key that won't open changes nothing, and the
+// switch keeps what the user chose.
+void WriteRunOnStartup(bool on) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, kRunKey, 0, KEY_SET_VALUE, &key) != ERROR_SUCCESS) return;
+    if (on) {
+        wchar_t path[kModulePathChars] = {};
+        GetModuleFileNameW(nullptr, path, kModulePathChars);
+        wchar_t quoted[kModulePathChars + 2] = {};
+        std::swprintf(quoted, kModulePathChars + 2, L"\"%ls\"", path);
+        const DWORD bytes = static_cast<DWORD>((std::wcslen(quoted) + 1) * sizeof(wchar_t));
+        RegSetValueExW(key, kRunValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(quoted), bytes);
+    } else {
+        RegDeleteValueW(key, kRunValue);
     }
+    RegCloseKey(key);
 }
 
-void App::OnTimer() {}
+void OpenDonationPage(App& app) {
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(app.Window, L"open", kDonationPageUrl, nullptr, nullptr, SW_SHOWNORMAL));
+    app.AppendLog(result > 32 ? L"Opened the PayPal donation page." : L"Could not open the donation page.");
+}
+
+int32_t Selection(HWND combo) { return static_cast<int32_t>(SendMessageW(combo, CB_GETCURSEL, 0, 0)); }
+
+}  // namespace
+
+LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
+    const int32_t id = LOWORD(wParam);
+    const UINT notification = HIWORD(wParam);
+    switch (id) {
+        case 1001: StartEngine(); return 0;
+        case 1002: StopEngine(); return 0;
+        case 1003:
+            if (notification != CBN_SELCHANGE) break;
+            if (Selection(OutputModeCombo) >= 0) Tracking().ChangeSetting(&EngineSettings::Mode, Selection(OutputModeCombo));
+            return 0;
+        case 1008:
+            if (notification != CBN_SELCHANGE) break;
+            Tracking().SelectProfile(Selection(ProfileCombo));
+            return 0;
+        case 1009: Tracking().NewProfile(); return 0;
+        case 1010: Tracking().SaveProfile(); return 0;
+        case 1123: ShowLogWindow(); return 0;
+        case 1124: StartRecording(); return 0;
+        case 1125: StopRecording(); return 0;
+        case 1126: LaunchAnalyzer(); return 0;
+        case 1127: RunUpdate(); return 0;
+        case 1130: OpenDonationPage(*this); return 0;
+        case 1131:
+            if (notification != EN_KILLFOCUS) break;
+            Tracking().ApplyTorqueField();
+            return 0;
+        default: break;
+    }
+    return DefWindowProcW(Window, WM_COMMAND, wParam, lParam);
+}
+
+// Every 250 ms, whether the engine runs or not: the car and the driver, the status strip, and the engine's
+// reports that the log hasn't shown yet.
+void App::OnTimer() {
+    const EngineStatus status = Engine.CopyStatus();
+    Tracking().PollStatus(status);
+    const std::wstring third = L"Driver: " + Store.DriverDisplayName(status) + L" | Car: " + status.carPath;
+    SetStatusTexts(status.connected ? L"iRacing connected" : L"iRacing disconnected",
+                   status.onTrack ? L"On track" : L"Not on track", third);
+    LogNewStatusReports(*this, status, Store.CurrentSettings.DebugLogging);
+}
 
 void App::OnSlider(HWND slider, int32_t value) {
     for (SliderRow& row : SliderRows) {
         if (row.Control != slider) continue;
         row.Value = value;
-        FormatSliderValue(GetDlgCtrlID(slider), value);
+        const int32_t id = GetDlgCtrlID(slider);
+        if (id >= kFirstCarSliderId && id < kFirstCarSliderId + static_cast<int32_t>(kCarSliderCount)) {
+            Tracking().OnCoefficientSlider(id, value);
+        } else if (const CatalogueEntry* entry = FindTunableControl(id); entry != nullptr && entry->SliderField) {
+            Tracking().ChangeSetting(entry->SliderField, value);
+        }
+        FormatSliderValue(id, value);
         InvalidateRect(slider, nullptr, FALSE);
         return;
     }
 }
 
 // The control has flipped its row already.
-void App::OnCheckbox(int32_t /*id*/) {}
+void App::OnCheckbox(int32_t id) {
+    const CatalogueEntry* entry = FindTunableControl(id);
+    if (entry == nullptr || entry->CheckField == nullptr) return;
+    const CheckboxRow* row = nullptr;
+    for (const CheckboxRow& candidate : CheckboxRows) row = candidate.Id == id ? &candidate : row;
+    if (row == nullptr) return;
+    const bool on = row->Checked;
+    if (id == 1004) {
+        Tracking().ToggleCarSpecific(on);
+        return;
+    }
+    if (id == 1007) WriteRunOnStartup(on);
+    Tracking().ChangeSetting(entry->CheckField, on);
+    for (const SwitchMessage& message : kSwitchMessages) {
+        if (message.id == id) AppendLog(on ? message.on : message.off);
+    }
+}
 
-void App::ReceiveAdvicePath(const std::wstring& path) { AppendLog(L"Advice file received: " + path); }
+void App::ApplyAdviceFile(const std::wstring& path) { Tracking().ApplyAdviceFile(path); }
 
 }  // namespace veltor

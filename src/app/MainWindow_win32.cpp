@@ -110,8 +110,7 @@ bool App::CreateMainWindow(int showCommand) {
 }
 
 void App::CreateControls() {
-    // The engine's record is the only settings record until the profile store is part of App.
-    const EngineSettings settings = Engine.CopySettings();
+    const EngineSettings& settings = Store.CurrentSettings;
     for (const CatalogueEntry& entry : ControlCatalogue()) {
         const std::wstring text(entry.Text);
         if (entry.Kind == ControlKind::Slider) {
@@ -124,13 +123,16 @@ void App::CreateControls() {
             HWND control = CreateChild(*this, entry.Kind, entry.Id, text.c_str(), entry.Rect);
             SetFont(control, FontFor(*this, entry.Font));
             if (HWND* field = HandleField(*this, entry.Id)) *field = control;
-            if (entry.Kind == ControlKind::LogPanel) LogEdit = control;
+            if (entry.Kind == ControlKind::LogPanel) {
+                LogEdit = control;
+                SendMessageW(LogEdit, EM_SETLIMITTEXT, 0, 0);  // the log has no cap of its own
+            }
             if (entry.Kind == ControlKind::CarLabel) CarLabel = control;
         }
         switch (entry.Setup) {
-            case ControlSetup::None:
-            case ControlSetup::FillProfiles:
-            case ControlSetup::ShowCarPanel: break;
+            case ControlSetup::None: break;
+            case ControlSetup::FillProfiles: Tracking().RefreshProfileList(); break;
+            case ControlSetup::ShowCarPanel: Tracking().UpdateCarPanel(Store.CurrentCarPath); break;
             case ControlSetup::Disable: EnableWindow(GetDlgItem(Window, entry.Id), FALSE); break;
             case ControlSetup::FillOutputModes:
                 for (std::wstring_view line : kOutputModeLines) {

@@ -20,7 +20,7 @@ LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
     const auto* text = static_cast<const wchar_t*>(data->lpData);
     std::wstring path(text, data->cbData / sizeof(wchar_t));
     path.resize(path.find(L'\0') == std::wstring::npos ? path.size() : path.find(L'\0'));
-    app.ReceiveAdvicePath(path);
+    app.ApplyAdviceFile(path);
     return 1;
 }
 
@@ -72,12 +72,15 @@ LRESULT App::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
 }
 
-// The end of a run, in this order: the log window, the engine, the one save of the store, then GDI+ (the
-// bitmap before the stream it reads, both before the shutdown) and the window's GDI objects.
+// The end of a run, in this order: the log window, a torque edit that never lost the focus, the engine, the
+// one save of the store, then GDI+ (the bitmap before the stream it reads, both before the shutdown) and the
+// window's GDI objects.
 void App::Teardown() {
     if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
     LogWindow = nullptr;
-    Engine.Stop();
+    Tracking().ApplyTorqueField();
+    StopEngine();
+    Tracking().SaveAll();
     if (LogoBitmap != nullptr) Gdiplus::DllExports::GdipDisposeImage(LogoBitmap);
     LogoBitmap = nullptr;
     if (LogoStream != nullptr) LogoStream->Release();

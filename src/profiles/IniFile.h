@@ -30,4 +30,8 @@ IniFileStamp StampIniFile(const std::wstring& path);
 // old file as it was, when any step fails or the file is marked read-only.
 bool ReplaceIniFile(const std::wstring& path, std::string_view bytes);
 
+// Deletes the file at `path` unless it is the file `keep` names, under whatever spelling of its path: a
+// handed-over file must never take the profile store's own file with it. Windows: DeleteFileW.
+void DeleteFileUnless(const std::wstring& path, const std::wstring& keep);
+
 }  // namespace veltor

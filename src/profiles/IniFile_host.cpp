@@ -90,4 +90,15 @@ bool ReplaceIniFile(const std::wstring& path, std::string_view bytes) {
     return true;
 }
 
+void DeleteFileUnless(const std::wstring& path, const std::wstring& keep) {
+    const std::string target = ToUtf8(path);
+    struct stat file {};
+    struct stat kept {};
+    if (stat(target.c_str(), &file) == 0 && stat(ToUtf8(keep).c_str(), &kept) == 0 && file.st_dev == kept.st_dev &&
+        file.st_ino == kept.st_ino) {
+        return;
+    }
+    unlink(target.c_str());
+}
+
 }  // namespace veltor

@@ -78,4 +78,23 @@ bool ReplaceIniFile(const std::wstring& path, std::string_view bytes) {
     return true;
 }
 
+// The same file has the same volume and index, however its path is written (relative, short names, case).
+void DeleteFileUnless(const std::wstring& path, const std::wstring& keep) {
+    auto identify = [](const std::wstring& file, BY_HANDLE_FILE_INFORMATION& info) {
+        HANDLE handle = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) return false;
+        const bool known = GetFileInformationByHandle(handle, &info) != 0;
+        CloseHandle(handle);
+        return known;
+    };
+    BY_HANDLE_FILE_INFORMATION file{};
+    BY_HANDLE_FILE_INFORMATION kept{};
+    if (identify(path, file) && identify(keep, kept) && file.dwVolumeSerialNumber == kept.dwVolumeSerialNumber &&
+        file.nFileIndexHigh == kept.nFileIndexHigh && file.nFileIndexLow == kept.nFileIndexLow) {
+        return;
+    }
+    DeleteFileW(path.c_str());
+}
+
 }  // namespace veltor

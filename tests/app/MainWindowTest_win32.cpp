@@ -16,12 +16,14 @@
 #include <vector>
 
 #include "ProgramWindow_win32.h"
+#include "Screenshot_win32.h"
 #include "app/App.h"
 #include "app/ControlCatalogue.h"
 
 namespace {
 
 using veltor::test::Process;
+using veltor::test::Screenshot;
 using veltor::test::ProgramFolder;
 using veltor::test::WindowText;
 
@@ -41,7 +43,8 @@ struct Child {
     const wchar_t* text;
 };
 
-// The window as a driver sees it after a start with no INI file and no wheel.
+// The window as a driver sees it after a start with no INI file and no wheel: the one profile "Default", and
+// the car panel showing the set for an unknown car, since none has been seen.
 const Child kLayout[] = {
         {L"Static", 0, {48, 188, 220, 20}, 0x50000080, 0, Body, L"FORCE FEEDBACK DEVICE"},
         {L"ComboBox", 1000, {48, 214, 250, 280}, 0x50010003, 0, Body, L""},
@@ -49,7 +52,7 @@ const Child kLayout[] = {
         {L"ComboBox", 1003, {48, 294, 250, 280}, 0x50010003, 0, Body, L"360 Hz telemetry"},
         {L"Static", 0, {48, 326, 220, 20}, 0x50000080, 0, Body, L"DRIVER PROFILE"},
         // Made with 0x50210002: the combo box hands the vertical scroll bar on to its list.
-        {L"ComboBox", 1008, {48, 350, 250, 280}, 0x50010002, 0, Body, L""},
+        {L"ComboBox", 1008, {48, 350, 250, 280}, 0x50010002, 0, Body, L"Default"},
         {L"Button", 1009, {48, 390, 118, 34}, 0x50010000, 0, Body, L"New"},
         {L"Button", 1010, {180, 390, 118, 34}, 0x50010000, 0, Body, L"Save"},
         {L"Button", 1001, {48, 442, 118, 34}, 0x50010000, 0, Body, L"Start"},
@@ -110,15 +113,15 @@ const Child kLayout[] = {
         {L"Static", 0, {978, 428, 174, 22}, 0x50000080, 0, Body, L"Force reduction"},
         {L"Static", 0, {1158, 428, 64, 22}, 0x50000002, 0, Body, L"95%"},
         {L"VeltorSlider", 1115, {978, 454, 244, 30}, 0x50010000, 0, None, L""},
-        {L"Static", 0, {1298, 188, 244, 22}, 0x50000080, 0, Body, L"Car: generic"},
+        {L"Static", 0, {1298, 188, 244, 22}, 0x50000080, 0, Body, L"Car: generic (unknown)"},
         {L"Static", 0, {1298, 218, 174, 22}, 0x50000080, 0, Body, L"Steering build-up"},
-        {L"Static", 0, {1478, 218, 64, 22}, 0x50000002, 0, Body, L"44.0"},
+        {L"Static", 0, {1478, 218, 64, 22}, 0x50000002, 0, Body, L"40.0"},
         {L"VeltorSlider", 1116, {1298, 244, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 288, 174, 22}, 0x50000080, 0, Body, L"Extra load in big steering"},
         {L"Static", 0, {1478, 288, 64, 22}, 0x50000002, 0, Body, L"0.000"},
         {L"VeltorSlider", 1117, {1298, 314, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 358, 174, 22}, 0x50000080, 0, Body, L"Cornering load balance"},
-        {L"Static", 0, {1478, 358, 64, 22}, 0x50000002, 0, Body, L"110"},
+        {L"Static", 0, {1478, 358, 64, 22}, 0x50000002, 0, Body, L"90"},
         {L"VeltorSlider", 1118, {1298, 384, 244, 30}, 0x50010000, 0, None, L""},
         {L"Static", 0, {1298, 428, 174, 22}, 0x50000080, 0, Body, L"Understeer weight"},
         {L"Static", 0, {1478, 428, 64, 22}, 0x50000002, 0, Body, L"1.00"},
@@ -207,85 +210,6 @@ TEST_F(MainWindow, ChildListFollowsTheLayoutInOrder) {
     }
 }
 
-// An image of the whole X display, taken with the X tools: Wine starts Unix programs like its own.
-class Screenshot {
-public:
-    bool Take(const std::string& name) {
-        const std::string base = std::string(VELTOR_ARTEFACT_DIR) + "/" + name;
-        png = base + ".png";
-        const std::string ppm = base + ".ppm";
-        const std::string done = base + ".done";
-        DeleteFileA(("Z:" + done).c_str());
-        if (!RunUnix("/usr/bin/xwd -root -silent -out " + base + ".xwd && /usr/bin/convert " + base + ".xwd -write " +
-                     png + " " + ppm + " && touch " + done) ||
-            !WaitForFile("Z:" + done)) {
-            return false;
-        }
-        const bool read = ReadPpm("Z:" + ppm);
-        DeleteFileA(("Z:" + ppm).c_str());
-        DeleteFileA(("Z:" + base + ".xwd").c_str());
-        return read;
-    }
-    COLORREF At(POINT p) const {
-        if (p.x < 0 || p.y < 0 || p.x >= width || p.y >= height) return CLR_INVALID;
-        const unsigned char* pixel = &rgb[(static_cast<size_t>(p.y) * width + p.x) * 3];
-        return RGB(pixel[0], pixel[1], pixel[2]);
-    }
-
-    std::string png;
-    int width = 0;
-    int height = 0;
-
-private:
-    // Wine starts a Unix program from its path but cannot wait for it: its end shows by a file it leaves.
-    static bool RunUnix(const std::string& script) {
-        std::wstring line = L"/bin/sh -c \"" + std::wstring(script.begin(), script.end()) + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION info{};
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-            return false;
-        }
-        CloseHandle(info.hThread);
-        CloseHandle(info.hProcess);
-        return true;
-    }
-    static bool WaitForFile(const std::string& path) {
-        const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
-        while (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
-            if (GetTickCount64() > until) return false;
-            Sleep(50);
-        }
-        return true;
-    }
-    // Binary PPM: "P6", width, height, maximum value, each maybe after "#" comment lines, then RGB bytes.
-    bool ReadPpm(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        auto number = [&file]() {
-            file >> std::ws;
-            while (file.peek() == '#') {
-                file.ignore(1 << 16, '\n');
-                file >> std::ws;
-            }
-            int value = -1;
-            file >> value;
-            return value;
-        };
-        std::string magic;
-        file >> magic;
-        width = number();
-        height = number();
-        const int depth = number();
-        file.get();
-        if (magic != "P6" || depth != 255 || width <= 0 || height <= 0) return false;
-        rgb.resize(static_cast<size_t>(width) * height * 3);
-        file.read(reinterpret_cast<char*>(rgb.data()), static_cast<std::streamsize>(rgb.size()));
-        return file.good();
-    }
-
-    std::vector<unsigned char> rgb;
-};
-
 int Distance(COLORREF a, COLORREF b) {
     return std::max({std::abs(GetRValue(a) - GetRValue(b)), std::abs(GetGValue(a) - GetGValue(b)),
                      std::abs(GetBValue(a) - GetBValue(b))});
@@ -300,7 +224,7 @@ constexpr COLORREF kPrimaryText = RGB(232, 238, 246);
 constexpr COLORREF kTrackText = RGB(190, 204, 218);
 
 TEST_F(MainWindow, ScreenshotShowsThePanelsBarsLogoAndStatusStrip) {
-    Screenshot shot;
+    Screenshot shot(VELTOR_ARTEFACT_DIR);
     ASSERT_TRUE(shot.Take("main-window")) << "xwd or convert failed";
     std::printf("screenshot: %s\n", shot.png.c_str());
     RECT client;
@@ -379,10 +303,12 @@ TEST_F(MainWindow, SliderKeysMoveTheValueAndItsText) {
     }
 }
 
-// Closing the window ends the process with 0; nothing of the engine was started.
-TEST_F(MainWindow, ClosingTheWindowEndsTheRunWithExitCodeZero) {
+// Closing the window ends the process with 0 and saves the store beside the program, where there was none.
+TEST_F(MainWindow, ClosingTheWindowSavesTheStoreAndEndsWithExitCodeZero) {
+    ASSERT_FALSE(folder.Holds(L"Veltor_profiles.ini"));
     PostMessageW(window, WM_CLOSE, 0, 0);
     EXPECT_EQ(program->WaitForExit(), 0);
+    EXPECT_TRUE(folder.Holds(L"Veltor_profiles.ini"));
 }
 
 // App's own window in this process: AppRun runs until a thread timer has read the fonts and closed it.

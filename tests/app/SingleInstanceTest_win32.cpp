@@ -8,6 +8,7 @@
 #include <string>
 
 #include "ProgramWindow_win32.h"
+#include "RunningProgram_win32.h"
 
 namespace {
 
@@ -53,18 +54,36 @@ TEST_F(SingleInstance, SecondStartRestoresTheFirstWindowAndEndsWithZero) {
     const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
     while (IsIconic(window) && GetTickCount64() < until) Sleep(20);
     EXPECT_FALSE(IsIconic(window));
-    EXPECT_EQ(veltor::test::WindowText(log).find(L"Advice file received"), std::wstring::npos);
+    EXPECT_EQ(veltor::test::WindowText(log).find(L"advice"), std::wstring::npos);
 }
 
-TEST_F(SingleInstance, SecondStartWithAdviceHandsThePathToTheFirst) {
-    Process second(folder.Exe, L"--Apply-Advice \"C:\\advice files\\first.ini\" --apply-advice C:\\second.ini");
-    EXPECT_EQ(second.WaitForExit(), 0);
-    EXPECT_TRUE(WaitForLog(L"Advice file received: C:\\advice files\\first.ini\r\n"));
-    EXPECT_EQ(veltor::test::WindowText(log).find(L"second.ini"), std::wstring::npos);
+// The first instance applies the first advice path and deletes the file, good or bad, before the second
+// instance ends.
+TEST_F(SingleInstance, SecondStartWithAdviceHasTheFirstApplyTheFirstPath) {
+    const std::wstring first = folder.Path + L"\\advice files.ini";
+    const std::wstring other = folder.Path + L"\\other.ini";
+    const struct {
+        const char* text;
+        const wchar_t* line;
+    } cases[] = {
+        {"[Advice]\r\nVersion=1\r\nProfile=Hand Off\r\nHasProfileSettings=1\r\nForceStrength=70\r\n",
+         L"Analyzer advice applied to profile Hand Off.\r\n"},
+        {"[Advice]\r\nProfile=No Version\r\nHasProfileSettings=1\r\n", L"Could not load analyzer advice file.\r\n"},
+    };
+    for (const auto& c : cases) {
+        ASSERT_TRUE(veltor::test::WriteTextFile(first, c.text));
+        ASSERT_TRUE(veltor::test::WriteTextFile(other, cases[0].text));
+        Process second(folder.Exe, L"--Apply-Advice \"" + first + L"\" --apply-advice \"" + other + L"\"");
+        EXPECT_EQ(second.WaitForExit(), 0);
+        EXPECT_FALSE(veltor::test::FileExists(first));
+        EXPECT_TRUE(veltor::test::FileExists(other));
+        EXPECT_TRUE(WaitForLog(c.line));
+    }
+    EXPECT_EQ(veltor::test::WindowText(GetDlgItem(window, 1008)), L"Hand Off");
 }
 
 TEST_F(SingleInstance, HandOffIsTakenOnlyWithTheTagAPathAndRoomForItsTerminator) {
-    wchar_t path[] = L"C:\\advice.ini";
+    wchar_t path[] = L"C:\\no such advice.ini";
     const struct {
         ULONG_PTR tag;
         DWORD bytes;
@@ -82,7 +101,14 @@ TEST_F(SingleInstance, HandOffIsTakenOnlyWithTheTagAPathAndRoomForItsTerminator)
         EXPECT_EQ(SendMessageW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)), c.answer)
             << "tag " << c.tag << " bytes " << c.bytes;
     }
-    EXPECT_TRUE(WaitForLog(L"Advice file received: C:\\advice.ini\r\n"));
+    // The handler has run by the time SendMessageW returns: one refusal for each message taken.
+    const std::wstring text = veltor::test::WindowText(log);
+    size_t refusals = 0;
+    for (size_t at = text.find(L"Could not load analyzer advice file."); at != std::wstring::npos;
+         at = text.find(L"Could not load analyzer advice file.", at + 1)) {
+        ++refusals;
+    }
+    EXPECT_EQ(refusals, 2u);
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ bool ParseNumber(const char* text, double& out) {
 const char* SimulatorUsage() {
     return "simulator [--seconds N] [--ibt FILE] [--identity plain|differing-ids|quoted|crlf]\n"
            "          [--disappear-at S] [--absent-for S] [--torn-every N] [--freeze-at S] [--freeze-for S]\n"
-           "          [--swap-identity-at S] [--quiet]\n";
+           "          [--swap-identity-at S] [--lap-offset S] [--quiet]\n";
 }
 
 bool ParseSimulatorOptions(int argc, const char* const* argv, SimulatorOptions& o, std::string& error) {
@@ -67,6 +67,9 @@ bool ParseSimulatorOptions(int argc, const char* const* argv, SimulatorOptions& 
             o.freezeFor = number;
         } else if (name == "--swap-identity-at") {
             o.swapIdentityAt = number;
+        } else if (name == "--lap-offset") {
+            o.lapOffset = number;
+            if (number < 0.0) error = "--lap-offset must not be negative";
         } else {
             error = "unknown option " + name;
         }
@@ -140,7 +143,7 @@ void Simulator::WriteSourceFrame(uint8_t* buffer) const {
                     static_cast<size_t>(ibt.BufLen()));
         return;
     }
-    const DriveSample s = drive.SampleAt(step);
+    const DriveSample s = drive.SampleAt(DriveTick());
     layout->WriteFrame(buffer, s.frame);
     layout->SetDouble(buffer, "SessionTime", s.sessionTime);
     layout->SetInt(buffer, "Gear", s.gear);
@@ -205,7 +208,7 @@ void Simulator::Step() {
         if (!frozen && options.tornEvery > 0 && (step + 1) % options.tornEvery == 0) TearNewestBuffer();
     }
     if (!replay && block != nullptr) {
-        const char* phase = SyntheticDrive::PhaseAt(step);
+        const char* phase = SyntheticDrive::PhaseAt(DriveTick());
         if (phase != lastPhase) Log("%s\n", phase);
         lastPhase = phase;
     }

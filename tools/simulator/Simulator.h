@@ -23,6 +23,7 @@ struct SimulatorOptions {
     double freezeAt = -1.0;       // the event keeps coming with the tick count standing still
     double freezeFor = 2.0;
     double swapIdentityAt = -1.0; // another car and driver, with a new sessionInfoUpdate
+    double lapOffset = 0.0;       // the synthetic drive starts this far into its lap
     bool quiet = false;
 };
 
@@ -61,6 +62,7 @@ private:
     void FollowSchedule(double now);
     void ReportBroadcasts();
     void Log(const char* format, ...);
+    int64_t DriveTick() const { return step + static_cast<int64_t>(options.lapOffset * tickRate); }
 
     std::FILE* log;
     SimulatorOptions options;

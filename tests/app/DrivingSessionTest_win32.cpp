@@ -1,0 +1,289 @@
+// A driving session as a user has it, in three programs under Wine: our simulator playing its synthetic
+// drive from the last part of its lap (on track, a freeze, into the pits and off the track at 12 s, then
+// another car and driver), the real Gripline.exe with the virtual
+// wheel beside it (which loses input once after each opening), and this test at the controls. The tests of
+// this suite follow each other through one run of the program.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "ChildProcess_win32.h"
+#include "RunningProgram_win32.h"
+#include "Screenshot_win32.h"
+#include "recording/RecordingHeader.h"
+
+namespace veltor::test {
+namespace {
+
+constexpr wchar_t kSimulatorOptions[] = L" --seconds 240 --quiet --lap-offset 44 --freeze-at 6 --freeze-for 2 --swap-identity-at 15";
+constexpr wchar_t kWheelFaults[] = L"SetParameters=INPUTLOST@4500+300";
+constexpr wchar_t kInputLost[] = L"DirectInput FFB error: 0x8007001E (DIERR_INPUTLOST)\r\n";
+constexpr wchar_t kFromProfile[] = L"Using driver profile settings for this car.\r\n";
+
+// The first two texts of the status strip, measured as the rightmost bright pixel of each in a screenshot:
+// "iRacing connected" and "On track" are narrower than "iRacing disconnected" and "Not on track".
+struct StripWidths {
+    LONG connection = 0, track = 0;
+};
+
+bool MeasureStrip(HWND window, const char* name, StripWidths& widths) {
+    Screenshot shot(VELTOR_ARTEFACT_DIR);
+    if (!shot.Take(name)) return false;
+    RECT client;
+    GetClientRect(window, &client);
+    auto rightmost = [&](LONG from, LONG to) {
+        LONG last = 0;
+        for (LONG x = from; x < to; ++x) {
+            for (LONG y = client.bottom - 22; y < client.bottom - 4; ++y) {
+                POINT p{x, y};
+                ClientToScreen(window, &p);
+                const COLORREF c = shot.At(p);
+                if (GetRValue(c) + GetGValue(c) + GetBValue(c) >= 300) last = x;
+            }
+        }
+        return last;
+    };
+    widths = {rightmost(0, 250), rightmost(250, 445)};
+    return true;
+}
+
+// The file name box of the save dialog: an edit inside the combo box 1148.
+HWND FileNameEdit(HWND dialog) {
+    struct Search {
+        HWND found = nullptr;
+    } search;
+    EnumChildWindows(
+        dialog,
+        [](HWND child, LPARAM context) -> BOOL {
+            wchar_t name[16] = {};
+            GetClassNameW(child, name, 16);
+            if (GetDlgCtrlID(child) != 1148 || std::wstring(name) != L"Edit") return TRUE;
+            reinterpret_cast<Search*>(context)->found = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+class DrivingSession : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        program = new RunningProgram(VELTOR_GRIPLINE_EXE);
+        const std::wstring& folder = program->folder.Path;
+        CopyFileW(WindowsPath(VELTOR_VIRTUAL_WHEEL_DLL).c_str(), (folder + L"\\dinput8.dll").c_str(), FALSE);
+        CopyFileW(WindowsPath(VELTOR_ANALYZER_PROBE_EXE).c_str(), (folder + L"\\Veltor Commercial Analyzer.exe").c_str(),
+                  FALSE);
+        SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", (folder + L"\\wheel.log").c_str());
+        SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", kWheelFaults);
+        started = program->Start() && MeasureStrip(program->window, "session-before", before);
+    }
+    // The simulator first: its output file lies in the program's folder, which goes with the program.
+    static void TearDownTestSuite() {
+        simulator.reset();
+        delete program;
+        program = nullptr;
+    }
+    void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
+
+    static std::wstring Arguments() {
+        const std::wstring path = program->folder.Path + L"\\analyzer-arguments.txt";
+        if (!program->WaitUntil([&] { return FileExists(path); })) return L"(not started)";
+        HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+        std::wstring text(GetFileSize(file, nullptr) / sizeof(wchar_t), L'\0');
+        DWORD got = 0;
+        ReadFile(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &got, nullptr);
+        CloseHandle(file);
+        DeleteFileW(path.c_str());
+        return text;
+    }
+
+    // Presses Record and answers the save dialog with a file in the program's folder, or cancels it for an
+    // empty name. The proposed name comes back in `proposed`.
+    static bool RecordTo(const std::wstring& name, std::wstring& proposed) {
+        program->Press(1124);
+        HWND dialog = nullptr;
+        HWND fileName = nullptr;
+        const bool shown = program->WaitUntil([&] {
+            dialog = FindProcessWindow(program->process->info.dwProcessId, L"#32770");
+            fileName = dialog != nullptr ? FileNameEdit(dialog) : nullptr;
+            return fileName != nullptr && IsWindowVisible(dialog);
+        });
+        if (!shown) return false;
+        proposed = WindowText(fileName);
+        if (name.empty()) {
+            PostMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
+            return program->WaitUntil([&] { return !IsWindow(dialog); });
+        }
+        const std::wstring path = program->folder.Path + L"\\" + name;
+        SendMessageW(fileName, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+        PostMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
+        return program->WaitUntil([&] { return !IsWindow(dialog); });
+    }
+
+    static bool ReadHeader(const std::wstring& name, RecordingHeader& header) {
+        HANDLE file = CreateFileW((program->folder.Path + L"\\" + name).c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                  nullptr, OPEN_EXISTING, 0, nullptr);
+        DWORD got = 0;
+        const bool read = file != INVALID_HANDLE_VALUE && ReadFile(file, &header, sizeof header, &got, nullptr) &&
+                          got == sizeof header;
+        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+        return read;
+    }
+
+    struct Buttons {
+        bool start, stop, record, stopRec, analyzer;
+        bool operator==(const Buttons&) const = default;
+    };
+    static Buttons ButtonStates() {
+        return {program->Enabled(1001), program->Enabled(1002), program->Enabled(1124), program->Enabled(1125),
+                program->Enabled(1126)};
+    }
+
+    static inline RunningProgram* program = nullptr;
+    static inline std::unique_ptr<Child> simulator;
+    static inline bool started = false;
+    static inline StripWidths before;
+    static inline size_t firstRunEnd = 0;  // the log's length when the first run of the engine had ended
+};
+
+TEST_F(DrivingSession, TheWheelIsListedAndTheAnalyzerStartsWithoutARecording) {
+    EXPECT_TRUE(program->WaitForLog({L"Force feedback devices found.\r\n"}));
+    EXPECT_EQ(program->Text(1000), L"Veltor Virtual Wheel");
+    program->Press(1126);
+    EXPECT_EQ(Arguments(), L"");
+}
+
+TEST_F(DrivingSession, StartRunsTheEngineOnTheSimulatorAndTheStripFollowsIt) {
+    // Tuning before the start: debug reports on, full strength, the wheelbase's torque.
+    program->Flip(1012);
+    program->Key(1101, VK_END);
+    program->Type(1131, L"7,5");
+    ASSERT_TRUE(program->WaitForLog({L"Debug logging enabled.\r\n"}));
+    ASSERT_TRUE(program->WaitForText(1131, L"7.5"));
+
+    simulator = std::make_unique<Child>(L"\"" + WindowsPath(VELTOR_SIMULATOR_EXE) + L"\"" + kSimulatorOptions,
+                                        program->folder.Path + L"\\simulator.txt");
+    ASSERT_TRUE(simulator->started);
+    program->Press(1001);
+    EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", L"iRacing native FFB suppression enabled.\r\n"}));
+    EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
+    EXPECT_TRUE(program->WaitForLog({kFromProfile, L"Telemetry: On track.\r\n"}));
+    EXPECT_EQ(program->Before(1116, 3), L"Car: bmwm4gt3");
+
+    StripWidths now;
+    ASSERT_TRUE(MeasureStrip(program->window, "session-on-track", now));
+    EXPECT_LT(now.connection, before.connection) << "iRacing connected";
+    EXPECT_LT(now.track, before.track) << "On track";
+}
+
+// A strength far beyond the slider's range, as advice may give it: the slider shows its end, the engine
+// runs on the number and clips.
+TEST_F(DrivingSession, AdviceFromASecondInstanceReachesTheRunningEngine) {
+    const std::wstring advice = program->folder.Path + L"\\strong.ini";
+    ASSERT_TRUE(WriteTextFile(advice, "[Advice]\r\nVersion=1\r\nCar=BMWM4GT3\r\nHasProfileSettings=1\r\n"
+                                      "ForceStrength=5000\r\nApplyCarForceBalance=0\r\nApplySuspensionTexture=0\r\n"
+                                      "ApplySuspensionImpactTexture=0\r\nApplySuspensionDetailPriority=0\r\n"
+                                      "ApplyAbsVibration=0\r\n"));
+    Process second(program->folder.Exe, L"--apply-advice \"" + advice + L"\"");
+    EXPECT_EQ(second.WaitForExit(), 0);
+    EXPECT_FALSE(FileExists(advice));
+    EXPECT_TRUE(program->WaitForLog({L"Analyzer advice applied to profile Default for car bmwm4gt3.\r\n"}));
+    EXPECT_EQ(program->ValueText(1101), L"100%");
+}
+
+TEST_F(DrivingSession, ARecordingStartsThroughTheSaveDialogWithTheCarInItsName) {
+    std::wstring proposed;
+    ASSERT_TRUE(RecordTo(L"first session.vtrrec", proposed));
+    EXPECT_EQ(proposed.rfind(L"Veltor_bmwm4gt3_", 0), 0u) << proposed;
+    EXPECT_EQ(proposed.size(), std::wstring(L"Veltor_bmwm4gt3_20250101_120000.vtrrec").size()) << proposed;
+    EXPECT_TRUE(program->WaitForLog({L"Telemetry recording started.\r\n"}));
+    EXPECT_EQ(ButtonStates(), (Buttons{false, true, false, true, false}));
+    EXPECT_EQ(program->Text(1124), L"Recording...");
+}
+
+TEST_F(DrivingSession, WheelFailuresAndAStallEachReachTheLogWithTheirCause) {
+    EXPECT_TRUE(program->WaitForLog({kInputLost}));
+    EXPECT_TRUE(program->WaitForLog({L"Telemetry stalled: force released.\r\n"}));
+}
+
+TEST_F(DrivingSession, LeavingTheTrackReportsTheStintsClippingAndOutput) {
+    EXPECT_TRUE(program->WaitForLog({L"Telemetry: Not on track.\r\n", L"% of samples were clipped\r\n",
+                                     L"Consider lowering Force strength to reduce clipping.\r\n",
+                                     L"FFB output report: ",
+                                     L"Non-zero FFB was sent to DirectInput. If the wheel is still dead, test "
+                                     L"DirectInput/Simucube effect compatibility.\r\n"}))
+        << program->Log();
+}
+
+TEST_F(DrivingSession, ACarChangeStoresTheLiveRecordUnderTheCarItBelongedTo) {
+    program->Key(1104, VK_END);  // Damping 100 for the first car
+    ASSERT_TRUE(program->WaitUntil([] { return program->ValueText(1104) == L"100"; }));
+    EXPECT_TRUE(program->WaitUntil([] { return program->Before(1116, 3) == L"Car: porsche992rgt3"; }));
+    EXPECT_TRUE(program->WaitUntil([] { return program->CountInLog(kFromProfile) == 2; }));
+    EXPECT_EQ(program->ValueText(1104), L"0");
+}
+
+TEST_F(DrivingSession, StopWhileRecordingSavesTheRecordingFirstAndTheStintIsReported) {
+    program->Press(1002);
+    EXPECT_TRUE(program->WaitForLog({L"Telemetry recording saved", L"FFB engine stopped.\r\n"}));
+    EXPECT_EQ(ButtonStates(), (Buttons{true, false, false, false, true}));
+    EXPECT_EQ(program->Text(1124), L"Record");
+    // Stop clears the stamps, so the last reports of the run come out once more after it; before it, once.
+    const size_t stopped = program->Log().find(L"FFB engine stopped.");
+    EXPECT_TRUE(program->WaitForLog({kInputLost, L"Telemetry stalled: force released.\r\n"}, stopped));
+    const std::wstring run = program->Log().substr(0, stopped);
+    EXPECT_EQ(run.find(L"Telemetry stalled"), run.rfind(L"Telemetry stalled")) << program->Log();
+    firstRunEnd = program->Log().size();
+
+    RecordingHeader header;
+    ASSERT_TRUE(ReadHeader(L"first session.vtrrec", header));
+    EXPECT_STREQ(header.magic, "VTRREC1");
+    EXPECT_STREQ(header.profileName, "Default");
+    EXPECT_EQ(header.wheelbaseMaxTorque, 7.5f);
+}
+
+TEST_F(DrivingSession, TheAnalyzerGetsTheLastRecording) {
+    program->Press(1126);
+    EXPECT_EQ(Arguments(), program->folder.Path + L"\\first session.vtrrec\n");
+}
+
+TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEngineRunning) {
+    // Start clears the stamps: the failure count that the engine still shows comes out again at once.
+    program->Press(1001);
+    EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", kInputLost}, firstRunEnd)) << program->Log();
+    ASSERT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", L"Telemetry: On track.\r\n"}, firstRunEnd));
+    std::wstring proposed;
+    const size_t beforeCancel = program->Log().size();
+    ASSERT_TRUE(RecordTo(L"", proposed));
+    EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
+    ASSERT_TRUE(RecordTo(L"second session.vtrrec", proposed));
+    EXPECT_EQ(proposed.rfind(L"Veltor_porsche992rgt3_", 0), 0u) << proposed;
+    ASSERT_TRUE(program->WaitForLog({L"Telemetry recording started.\r\n"}, firstRunEnd)) << program->Log();
+    // The cancelled dialog said nothing: the first line about a recording since is the started one.
+    const std::wstring log = program->Log();
+    const std::wstring meanwhile = log.substr(beforeCancel, log.find(L"Telemetry recording started.", beforeCancel) - beforeCancel);
+    EXPECT_EQ(meanwhile.find(L"recording"), std::wstring::npos) << meanwhile;
+    program->Press(1125);
+    EXPECT_TRUE(program->WaitForLog({L"Telemetry recording saved"}, firstRunEnd));
+    EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
+    EXPECT_EQ(program->Text(1124), L"Record");
+    program->Press(1002);
+    EXPECT_TRUE(program->WaitForLog({L"FFB engine stopped.\r\n"}, firstRunEnd));
+}
+
+TEST_F(DrivingSession, ClosingSavesTheDriversTheCarsAndTheTorque) {
+    EXPECT_EQ(program->Close(), 0);
+    const std::wstring ini = IniText(program->folder);
+    for (const wchar_t* expected :
+         {L"[DriverIdentity]", L"424242=Synthetic Driver", L"515151=Second Driver", L"[CarProfile0_bmwm4gt3]",
+          L"Damping=100", L"[CarProfile0_porsche992rgt3]", L"ForceStrength=100", L"ForceStrength=5000", L"WheelbaseMaxTorqueTenths=75"}) {
+        EXPECT_NE(ini.find(expected), std::wstring::npos) << std::string(expected, expected + wcslen(expected));
+    }
+}
+
+}  // namespace
+}  // namespace veltor::test

@@ -1,0 +1,146 @@
+#pragma once
+// Gripline.exe driven as a user drives it, from this process: its buttons pressed, switches flipped, text
+// typed and the focus moved by window messages, and what it shows read back from its controls. Every wait is
+// for what the program shows, under a generous deadline.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+
+#include "ProgramWindow_win32.h"
+
+namespace veltor::test {
+
+class RunningProgram {
+public:
+    explicit RunningProgram(const char* programPath) : folder(programPath) {}
+    ~RunningProgram() {
+        if (window != nullptr && IsWindow(window)) PostMessageW(window, WM_CLOSE, 0, 0);
+        if (process) process->WaitForExit();
+    }
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    // Starts the copy and waits for its painted window; false if none came.
+    bool Start(const std::wstring& arguments = L"") {
+        if (!folder.copied) return false;
+        process = std::make_unique<Process>(folder.Exe, arguments);
+        window = process->started ? WaitForPaintedWindow(*process) : nullptr;
+        log = window != nullptr ? GetWindow(window, GW_CHILD) : nullptr;
+        while (log != nullptr && GetWindow(log, GW_HWNDNEXT) != nullptr) log = GetWindow(log, GW_HWNDNEXT);
+        return window != nullptr;
+    }
+
+    HWND Control(int id) const { return GetDlgItem(window, id); }
+    std::wstring Text(int id) const { return WindowText(Control(id)); }
+    // The child `steps` places before a control: a slider's value text is 1, its name 2.
+    std::wstring Before(int id, int steps) const {
+        HWND child = Control(id);
+        while (child != nullptr && steps-- > 0) child = GetWindow(child, GW_HWNDPREV);
+        return child != nullptr ? WindowText(child) : L"";
+    }
+    std::wstring ValueText(int sliderId) const { return Before(sliderId, 1); }
+    bool Enabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
+    std::wstring Log() const { return WindowText(log); }
+
+    // Posted, so that a command which opens a dialog doesn't hold this thread.
+    void Press(int id) const { PostMessageW(Control(id), BM_CLICK, 0, 0); }
+    // The checkbox flips on the release of the mouse button over it.
+    void Flip(int id) const { PostMessageW(Control(id), WM_LBUTTONUP, 0, 0); }
+    void Key(int id, WPARAM key) const { PostMessageW(Control(id), WM_KEYDOWN, key, 1); }
+    // Text typed into a box, then the focus taken away from it.
+    void Type(int id, const std::wstring& text) const {
+        SendMessageW(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+        SendMessageW(Control(id), WM_KILLFOCUS, 0, 0);
+    }
+    void SetComboText(int id, const std::wstring& text) const {
+        SendMessageW(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    // An item picked from a list, with the notification the list sends its parent.
+    void Pick(int id, int item) const {
+        SendMessageW(Control(id), CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+        SendMessageW(window, WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(Control(id)));
+    }
+    std::wstring Item(int id, int item) const {
+        wchar_t text[256] = {};
+        if (SendMessageW(Control(id), CB_GETLBTEXTLEN, static_cast<WPARAM>(item), 0) >= 256) return L"";
+        SendMessageW(Control(id), CB_GETLBTEXT, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    int ItemCount(int id) const { return static_cast<int>(SendMessageW(Control(id), CB_GETCOUNT, 0, 0)); }
+
+    bool WaitUntil(const std::function<bool()>& shown, DWORD timeoutMs = kWindowTimeoutMs) const {
+        const ULONGLONG until = GetTickCount64() + timeoutMs;
+        while (!shown()) {
+            if (GetTickCount64() > until) return false;
+            Sleep(20);
+        }
+        return true;
+    }
+    // The log holds these lines, in this order, after the first `from` characters.
+    bool WaitForLog(std::initializer_list<std::wstring> lines, size_t from = 0, DWORD timeoutMs = kWindowTimeoutMs) const {
+        return WaitUntil([&] { return HoldsInOrder(Log(), lines, from); }, timeoutMs);
+    }
+    bool WaitForText(int id, const std::wstring& text) const {
+        return WaitUntil([&] { return Text(id) == text; });
+    }
+    size_t CountInLog(const std::wstring& line) const {
+        size_t count = 0;
+        const std::wstring text = Log();
+        for (size_t at = text.find(line); at != std::wstring::npos; at = text.find(line, at + line.size())) ++count;
+        return count;
+    }
+
+    // Closes the window as its close box does; the exit code, or -1.
+    long Close() {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        window = nullptr;
+        return process->WaitForExit();
+    }
+
+    static bool HoldsInOrder(const std::wstring& text, std::initializer_list<std::wstring> lines, size_t from) {
+        size_t at = from;
+        for (const std::wstring& line : lines) {
+            at = text.find(line, at);
+            if (at == std::wstring::npos) return false;
+            at += line.size();
+        }
+        return true;
+    }
+
+    ProgramFolder folder;
+    std::unique_ptr<Process> process;
+    HWND window = nullptr;
+    HWND log = nullptr;  // the session log panel, the last child
+};
+
+// The folder's INI file as text (the store writes UTF-16 with its mark).
+inline std::wstring IniText(const ProgramFolder& folder) {
+    HANDLE file = CreateFileW((folder.Path + L"\\Veltor_profiles.ini").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                              OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return L"";
+    std::wstring text(GetFileSize(file, nullptr) / sizeof(wchar_t), L'\0');
+    DWORD got = 0;
+    ReadFile(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &got, nullptr);
+    CloseHandle(file);
+    return text.size() > 0 && text[0] == 0xFEFF ? text.substr(1) : text;
+}
+
+// A file written for the program to read, in the system's code page.
+inline bool WriteTextFile(const std::wstring& path, const std::string& text) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    DWORD written = 0;
+    const bool whole = WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
+                       written == text.size();
+    CloseHandle(file);
+    return whole;
+}
+
+inline bool FileExists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+}  // namespace veltor::test

@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/RecordingName.h"
+#include "app/StatusReport.h"
+
+namespace veltor {
+namespace {
+
+// What the timer step needs of the window: the stamps and the session log.
+struct LogWindow {
+    uint32_t LastClipStamp = 0;
+    uint32_t LastDeviceErrorStamp = 0;
+    uint32_t LastTrackStamp = 0;
+    uint32_t LastReportStamp = 0;
+    uint32_t LastStallStamp = 0;
+    std::vector<std::wstring> lines;
+    void AppendLog(const std::wstring& line) { lines.push_back(line); }
+};
+
+TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch) {
+    EngineStatus s;
+    s.onTrack = true;
+    s.onTrackChangeCount = 1;
+    s.outputReportCount = 1;
+    s.outputReportSamples = 360;
+    s.outputReportNonZero = 0;
+    s.outputReportPeak = -12;
+    s.clipReportCount = 1;
+    s.clippedPercent = 2.5f;
+    s.outputFailureCount = 2;
+    s.outputFailureCode = 0x80040205u;
+    s.telemetryStallCount = 1;
+    const std::wstring noForce = L"No non-zero FFB was sent. Check iRacing telemetry On track status.";
+
+    LogWindow w;
+    LogNewStatusReports(w, s, false);
+    EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"2.50% of samples were clipped",
+                                                   L"DirectInput FFB error: 0x80040205 (DIERR_NOTEXCLUSIVEACQUIRED)",
+                                                   L"Telemetry stalled: force released."}));
+    w.lines.clear();
+    LogNewStatusReports(w, s, true);
+    EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"Telemetry: On track.",
+                                                   L"FFB output report: 360 samples, 0 non-zero, max magnitude -12.",
+                                                   noForce}));
+    w.lines.clear();
+    LogNewStatusReports(w, s, true);
+    EXPECT_TRUE(w.lines.empty());
+
+    s.onTrack = false;
+    s.onTrackChangeCount = 2;
+    s.clipReportCount = 2;
+    s.clippedPercent = 2.51f;
+    s.outputReportCount = 2;
+    s.outputReportNonZero = 5;
+    LogNewStatusReports(w, s, true);
+    EXPECT_EQ(w.lines,
+              (std::vector<std::wstring>{
+                  L"Telemetry: Not on track.", L"2.51% of samples were clipped",
+                  L"Consider lowering Force strength to reduce clipping.",
+                  L"FFB output report: 360 samples, 5 non-zero, max magnitude -12.",
+                  L"Non-zero FFB was sent to DirectInput. If the wheel is still dead, test DirectInput/Simucube effect "
+                  L"compatibility."}));
+
+    // Cleared stamps, as after Start or Stop, bring the same counts out again.
+    w.lines.clear();
+    w.LastDeviceErrorStamp = 0;
+    w.LastStallStamp = 0;
+    LogNewStatusReports(w, s, false);
+    EXPECT_EQ(w.lines.size(), 2u);
+}
+
+TEST(StatusReport, DirectInputFailuresAreNamedOrUnknown) {
+    const std::pair<uint32_t, const wchar_t*> codes[] = {{0x8007001Eu, L"(DIERR_INPUTLOST)"},
+                                                         {0x8007000Cu, L"(DIERR_NOTACQUIRED)"},
+                                                         {0x80040208u, L"(DIERR_EFFECTPLAYING)"},
+                                                         {0x80004005u, L"(unknown)"},
+                                                         {0u, L"(unknown)"}};
+    for (const auto& [code, name] : codes) {
+        const std::wstring line = DirectInputErrorLine(code);
+        EXPECT_EQ(line.substr(line.size() - std::wstring(name).size()), name) << code;
+    }
+    EXPECT_EQ(DirectInputErrorLine(0x1Eu), L"DirectInput FFB error: 0x0000001E (unknown)");
+}
+
+TEST(RecordingName, CarPathGoesInAsItStandsAndTheNameFitsTheDialogsBuffer) {
+    const LocalTime time{2024, 3, 7, 9, 5, 1};
+    EXPECT_EQ(ProposedRecordingName(L"mx5 mx52016", time), L"Veltor_mx5 mx52016_20240307_090501.vtrrec");
+    EXPECT_EQ(ProposedRecordingName(L"", time), L"Veltor_generic_20240307_090501.vtrrec");
+    EXPECT_EQ(ProposedRecordingName(std::wstring(300, L'x'), time).size(), 159u);
+}
+
+}  // namespace
+}  // namespace veltor
