@@ -346,9 +346,12 @@ TEST_F(UpdateFlow, NoticeAtStartThenEveryFailureLeavesTheProgramThenTheRestartIn
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(BoxText(box), L"Version 0.1.0.135 is available.\n\n"
                             L"Download the new app and analyzer, replace the current files, and restart now?");
+    std::error_code ignored;
+    fs::remove(folder / L"Veltor_profiles.ini", ignored);
     Click(GetDlgItem(box, IDYES));
-    // The old program goes down by the normal close, to the end of its message loop.
+    // The old program goes down by the normal close, to the end of its message loop, saving the profiles.
     EXPECT_EQ(program->WaitForExit(), 0);
+    EXPECT_TRUE(fs::exists(folder / L"Veltor_profiles.ini")) << "the closing program saved no profiles";
 
     HWND next = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (next = FindWindowW(kMainClass, L"Gripline v0.1.0.135")) != nullptr; }))
@@ -371,8 +374,8 @@ TEST_F(UpdateFlow, NoticeAtStartThenEveryFailureLeavesTheProgramThenTheRestartIn
     EXPECT_TRUE(fs::equivalent(image, app)) << testing::PrintToString(std::wstring(image));
     // The new version asks with its own version, is offered nothing newer, and says nothing.
     EXPECT_TRUE(WaitFor([] { return test::ServerLogged("latest.json?v=0.1.0.135 Veltor Updater/0.1.0.135\n"); }));
-    DWORD_PTR ignored = 0;
-    SendMessageTimeoutW(next, WM_NULL, 0, 0, SMTO_NORMAL, kDeadlineMs, &ignored);
+    DWORD_PTR answer = 0;
+    SendMessageTimeoutW(next, WM_NULL, 0, 0, SMTO_NORMAL, kDeadlineMs, &answer);
     EXPECT_TRUE(Boxes(nextId).empty());
     EXPECT_EQ(test::WindowText(LogPanel(next)).find(L"Update"), std::wstring::npos);
     PostMessageW(next, WM_CLOSE, 0, 0);
