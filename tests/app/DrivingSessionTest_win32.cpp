@@ -232,11 +232,11 @@ TEST_F(DrivingSession, StopWhileRecordingSavesTheRecordingFirstAndTheStintIsRepo
     EXPECT_TRUE(program->WaitForLog({L"Telemetry recording saved", L"FFB engine stopped.\r\n"}));
     EXPECT_EQ(ButtonStates(), (Buttons{true, false, false, false, true}));
     EXPECT_EQ(program->Text(1124), L"Record");
-    // Stop clears the stamps, so the last reports of the run come out once more after it; before it, once.
+    // Stop clears the failure stamp, so the wheel's last failure comes out once more after it. A stall is
+    // told once however the engine is started and stopped: its line doesn't come back.
     const size_t stopped = program->Log().find(L"FFB engine stopped.");
-    EXPECT_TRUE(program->WaitForLog({kInputLost, L"Telemetry stalled: force released.\r\n"}, stopped));
-    const std::wstring run = program->Log().substr(0, stopped);
-    EXPECT_EQ(run.find(L"Telemetry stalled"), run.rfind(L"Telemetry stalled")) << program->Log();
+    EXPECT_TRUE(program->WaitForLog({kInputLost}, stopped));
+    EXPECT_EQ(program->CountInLog(L"Telemetry stalled: force released.\r\n"), 1u) << program->Log();
     firstRunEnd = program->Log().size();
 
     RecordingHeader header;
