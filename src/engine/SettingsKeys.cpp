@@ -3,63 +3,44 @@
 #include <charconv>
 
 namespace veltor {
-namespace {
 
-struct NumberKey {
-    std::string_view name;
-    int32_t EngineSettings::*field;
+const SettingsKey kSettingsKeys[25] = {
+    {"Mode", &EngineSettings::Mode, nullptr},
+    {"UseCarSpecificSettings", nullptr, &EngineSettings::UseCarSpecificSettings},
+    {"ReduceForceWhenParked", nullptr, &EngineSettings::ReduceForceWhenParked},
+    {"StartMinimized", nullptr, &EngineSettings::StartMinimized},
+    {"RunOnStartup", nullptr, &EngineSettings::RunOnStartup},
+    {"SimucubeMode", nullptr, &EngineSettings::SimucubeMode},
+    {"DebugLogging", nullptr, &EngineSettings::DebugLogging},
+    {"MinForce", &EngineSettings::MinForce, nullptr},
+    {"ForceStrength", &EngineSettings::ForceStrength, nullptr},
+    {"Bumps", &EngineSettings::Bumps, nullptr},
+    {"BumpImpacts", &EngineSettings::BumpImpacts, nullptr},
+    {"Damping", &EngineSettings::Damping, nullptr},
+    {"AbsVibration", &EngineSettings::AbsVibration, nullptr},
+    {"Understeer", &EngineSettings::Understeer, nullptr},
+    {"SuspensionDetailPriority", &EngineSettings::SuspensionDetailPriority, nullptr},
+    {"CarForceBalance", &EngineSettings::CarForceBalance, nullptr},
+    {"UndersteerLighten", &EngineSettings::UndersteerLighten, nullptr},
+    {"UndersteerResistance", &EngineSettings::UndersteerResistance, nullptr},
+    {"OversteerCorrection", &EngineSettings::OversteerCorrection, nullptr},
+    {"OversteerOffset", &EngineSettings::OversteerOffset, nullptr},
+    {"CrashLongG", &EngineSettings::CrashLongG, nullptr},
+    {"CrashLatG", &EngineSettings::CrashLatG, nullptr},
+    {"CrashDurationTenths", &EngineSettings::CrashDurationTenths, nullptr},
+    {"CrashReduction", &EngineSettings::CrashReduction, nullptr},
+    {"WheelbaseMaxTorqueTenths", &EngineSettings::WheelbaseMaxTorqueTenths, nullptr},
 };
-
-struct SwitchKey {
-    std::string_view name;
-    bool EngineSettings::*field;
-};
-
-constexpr NumberKey kNumberKeys[] = {
-    {"Mode", &EngineSettings::Mode},
-    {"MinForce", &EngineSettings::MinForce},
-    {"ForceStrength", &EngineSettings::ForceStrength},
-    {"Bumps", &EngineSettings::Bumps},
-    {"BumpImpacts", &EngineSettings::BumpImpacts},
-    {"Damping", &EngineSettings::Damping},
-    {"AbsVibration", &EngineSettings::AbsVibration},
-    {"Understeer", &EngineSettings::Understeer},
-    {"SuspensionDetailPriority", &EngineSettings::SuspensionDetailPriority},
-    {"CarForceBalance", &EngineSettings::CarForceBalance},
-    {"UndersteerLighten", &EngineSettings::UndersteerLighten},
-    {"UndersteerResistance", &EngineSettings::UndersteerResistance},
-    {"OversteerCorrection", &EngineSettings::OversteerCorrection},
-    {"OversteerOffset", &EngineSettings::OversteerOffset},
-    {"CrashLongG", &EngineSettings::CrashLongG},
-    {"CrashLatG", &EngineSettings::CrashLatG},
-    {"CrashDurationTenths", &EngineSettings::CrashDurationTenths},
-    {"CrashReduction", &EngineSettings::CrashReduction},
-    {"WheelbaseMaxTorqueTenths", &EngineSettings::WheelbaseMaxTorqueTenths},
-};
-
-constexpr SwitchKey kSwitchKeys[] = {
-    {"UseCarSpecificSettings", &EngineSettings::UseCarSpecificSettings},
-    {"ReduceForceWhenParked", &EngineSettings::ReduceForceWhenParked},
-    {"StartMinimized", &EngineSettings::StartMinimized},
-    {"RunOnStartup", &EngineSettings::RunOnStartup},
-    {"SimucubeMode", &EngineSettings::SimucubeMode},
-    {"DebugLogging", &EngineSettings::DebugLogging},
-};
-
-}  // namespace
 
 bool SetSettingByKey(EngineSettings& settings, std::string_view key, int32_t value) {
-    for (const NumberKey& entry : kNumberKeys) {
-        if (entry.name == key) {
-            settings.*entry.field = value;
-            return true;
+    for (const SettingsKey& entry : kSettingsKeys) {
+        if (entry.name != key) continue;
+        if (entry.flag != nullptr) {
+            settings.*entry.flag = value != 0;
+        } else {
+            settings.*entry.number = value;
         }
-    }
-    for (const SwitchKey& entry : kSwitchKeys) {
-        if (entry.name == key) {
-            settings.*entry.field = value != 0;
-            return true;
-        }
+        return true;
     }
     return false;
 }

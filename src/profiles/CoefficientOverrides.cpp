@@ -42,7 +42,7 @@ void ProfileStore::LoadCoefficients() {
     const IniDocument& ini = File();
     LoadMissedTheFile = LoadMissedTheFile || IniReadFailed;
     CoefficientOverrides.clear();
-    const int32_t count = ReadSectionCount(ini, L"Coefficients");
+    const int32_t count = ReadSectionCount(ini, L"Coefficients", L"Coefficient");
     for (int32_t i = 0; i < count; ++i) {
         const std::wstring section = L"Coefficient" + DecimalText(i);
         CarCoefficients entry;

@@ -120,6 +120,20 @@ const IniDocument::Section* IniDocument::FindSection(std::wstring_view name) con
     return found == firstSection.end() ? nullptr : &sections[found->second];
 }
 
+int32_t IniDocument::HighestNumberedSection(std::wstring_view prefix) const {
+    int32_t highest = -1;
+    for (const Section& section : sections) {
+        const std::wstring_view name = section.name;
+        if (name.size() <= prefix.size() || !SameName(name.substr(0, prefix.size()), prefix)) continue;
+        const std::wstring_view digits = name.substr(prefix.size());
+        if (digits.size() > 10 || (digits.size() > 1 && digits[0] == L'0')) continue;
+        int64_t number = 0;
+        for (wchar_t c : digits) number = c >= L'0' && c <= L'9' && number >= 0 ? number * 10 + (c - L'0') : -1;
+        if (number >= 0 && number <= INT32_MAX) highest = std::max(highest, static_cast<int32_t>(number));
+    }
+    return highest;
+}
+
 std::wstring IniDocument::GetString(std::wstring_view section, std::wstring_view key, std::wstring_view fallback,
                                     size_t bufferChars) const {
     std::wstring_view value = fallback;

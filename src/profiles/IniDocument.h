@@ -28,8 +28,9 @@ public:
     // Copies every key of `writes` into this document, as SetString would.
     void Apply(const IniDocument& writes);
 
-    // Sections with a header, duplicates included.
-    size_t SectionCount() const { return sections.size() - 1; }
+    // The largest N for which a section named `prefix` followed by N in decimal (no leading zero) exists;
+    // -1 when there is none.
+    int32_t HighestNumberedSection(std::wstring_view prefix) const;
 
 private:
     // A key line, by offsets into its section's text; 32 bits hold any file we read (see IniFile.h).

@@ -48,7 +48,9 @@ bool ProfileStore::Commit(const IniDocument& writes) {
     next.Apply(Unsaved);
     next.Apply(writes);
     const bool replaceable = read == IniFileRead::Missing || (read == IniFileRead::Read && !LoadMissedTheFile);
-    const bool saved = replaceable && ReplaceIniFile(Path, EncodeIniText(next.Serialize()));
+    const std::string encoded = replaceable ? EncodeIniText(next.Serialize()) : std::string();
+    // A file too large to be read back would lose every profile at the next start: it is not written.
+    const bool saved = replaceable && encoded.size() <= kMaxIniFileBytes && ReplaceIniFile(Path, encoded);
     if (saved) {
         Unsaved = IniDocument();
         stamp = StampIniFile(Path);
@@ -66,7 +68,7 @@ void ProfileStore::LoadProfiles() {
     const IniDocument& ini = File();
     LoadMissedTheFile = LoadMissedTheFile || IniReadFailed;
     Profiles.clear();
-    const int32_t count = ReadSectionCount(ini, L"Profiles");
+    const int32_t count = ReadSectionCount(ini, L"Profiles", L"Profile");
     if (count < 1) {
         Profiles.push_back({L"Default", CurrentSettings});
         SelectedProfile = 0;
