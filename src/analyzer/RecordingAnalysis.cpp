@@ -88,10 +88,6 @@ TextureFindings FindTexture(const std::vector<RecordingSample>& samples) {
 
 }  // namespace
 
-float FullScaleTorque(int32_t forceStrength) {
-    return 2000.0f / static_cast<float>(std::max(forceStrength, 1));
-}
-
 double SecondsFromStart(const std::vector<RecordingSample>& samples, const RecordingSample& sample) {
     if (samples.empty() || sample.timeMicroseconds <= samples.front().timeMicroseconds) return 0.0;
     return static_cast<double>(sample.timeMicroseconds - samples.front().timeMicroseconds) / 1e6;

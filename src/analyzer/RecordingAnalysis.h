@@ -4,6 +4,7 @@
 
 #include "analyzer/CoefficientFit.h"
 #include "analyzer/RecordingReader.h"
+#include "engine/OutputStage.h"
 
 namespace veltor::analyzer {
 
@@ -56,8 +57,5 @@ Analysis AnalyseRecording(const Recording& recording);
 
 // Seconds from the first record to `sample`; never negative, even in a file whose times fall.
 double SecondsFromStart(const std::vector<RecordingSample>& samples, const RecordingSample& sample);
-
-// 2000 / ForceStrength with ForceStrength at least 1, as the engine scales.
-float FullScaleTorque(int32_t forceStrength);
 
 }  // namespace veltor::analyzer

@@ -34,9 +34,11 @@ int32_t LowForceCurve(int32_t value, int32_t minForce) {
 
 }  // namespace
 
-float FullScaleTorque(const EngineSettings& settings) {
-    return kDefaultFullScaleTorque * kDefaultStrength / static_cast<float>(std::max(settings.ForceStrength, 1));
+float FullScaleTorque(int32_t forceStrength) {
+    return kDefaultFullScaleTorque * kDefaultStrength / static_cast<float>(std::max(forceStrength, 1));
 }
+
+float FullScaleTorque(const EngineSettings& settings) { return FullScaleTorque(settings.ForceStrength); }
 
 int32_t ToOutputUnits(float force, const EngineSettings& settings) {
     if (settings.ForceStrength <= 0) return 0;

@@ -10,6 +10,7 @@ constexpr float kFullScaleUnits = 10000.0f;   // DirectInput's full scale
 
 // The torque in newton metres that maps to full scale: 40 Nm at the default strength of 50, so
 // 2000 / max(ForceStrength, 1).
+float FullScaleTorque(int32_t forceStrength);
 float FullScaleTorque(const EngineSettings& settings);
 
 // Newton metres to output units, truncated toward zero, not clamped to the hand-over range.
