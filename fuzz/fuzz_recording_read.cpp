@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string report = FormatReport({"fuzz.vtrrec", false}, recording, analysis, advice);
     const std::wstring file = AdviceFileText(advice);
     if (report.empty() || file.empty()) __builtin_trap();
-    DecimateForPlot(recording.samples, &veltor::RecordingSample::mixedTorque, 64);
+    DecimateForPlot(recording.samples, &veltor::RecordingSample::mixedTorque, 64,
+                    VisibleWindow(analysis.durationSeconds, 30, 500));
     FullScaleHistogram(recording.samples);
     return 0;
 }

@@ -9,13 +9,25 @@ namespace {
 constexpr size_t kStretchesListed = 5;
 constexpr uint64_t kLastReportableMs = 253402300799999ull;  // 9999-12-31 23:59:59.999 UTC
 
-void Line(std::string& text, const char* format, ...) {
-    char line[1024];
+std::string FormattedList(const char* format, va_list args) {
+    char text[1024];
+    std::vsnprintf(text, sizeof text, format, args);
+    return text;
+}
+
+std::string Formatted(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    std::vsnprintf(line, sizeof line, format, args);
+    std::string text = FormattedList(format, args);
     va_end(args);
-    text += line;
+    return text;
+}
+
+void Line(std::string& text, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    text += FormattedList(format, args);
+    va_end(args);
     text += '\n';
 }
 
@@ -32,28 +44,8 @@ std::string ListStretches(const std::vector<TimeStretch>& stretches) {
 
 std::string Count(size_t n) { return std::to_string(n); }
 
-void Facts(std::string& text, const ReportSource& source, const Recording& recording, const Analysis& analysis) {
-    const RecordingHeader& h = recording.header;
-    Line(text, "Recording  %s%s", source.fileName.c_str(),
-         source.fromTelemetry ? " (made now from the telemetry file with the profile's settings)" : "");
-    Line(text, "Car        %s", HeaderText(h.carPath).c_str());
-    Line(text, "Driver     %s", HeaderText(h.driverName).c_str());
-    Line(text, "Profile    %s", HeaderText(h.profileName).c_str());
-    Line(text, "Started    %s", FormatStartTime(h.startTimeMs).c_str());
-    Line(text, "Duration   %.1f s, %s records, %s gaps over %.1f s", analysis.durationSeconds,
-         Count(analysis.records).c_str(), Count(analysis.gaps.size()).c_str(), kGapSeconds);
-    Line(text, "Settings   ForceStrength %d, Bumps %d, BumpImpacts %d, UndersteerResistance %d, "
-               "SuspensionDetailPriority %d, CarForceBalance %d, AbsVibration %d, wheelbase %.1f Nm",
-         h.ForceStrength, h.Bumps, h.BumpImpacts, h.UndersteerResistance, h.SuspensionDetailPriority,
-         h.CarForceBalance, h.AbsVibration, h.wheelbaseMaxTorque);
-    Line(text, "Car        YawRateMultiplier %.1f, YawSteerGain %.3f, LateralAccelDivisor %.1f, ResistanceGain %.2f, "
-               "SteerMarginBias %.4f rad",
-         h.YawRateMultiplier, h.YawSteerGain, h.LateralAccelDivisor, h.ResistanceGain, h.SteerMarginBias);
-}
-
 void Findings(std::string& text, const Analysis& a) {
     const ClippingFindings& c = a.clipping;
-    Line(text, "");
     Line(text, "Clipping");
     Line(text, "  clipped records       %s of %s (%.2f %%)%s%s", Count(c.clippedRecords).c_str(),
          Count(a.records).c_str(), c.clippedPercent, c.stretches.empty() ? "" : ": ",
@@ -119,10 +111,42 @@ std::string FormatStartTime(uint64_t startTimeMs) {
     return text;
 }
 
+std::vector<ReportFact> RecordingFacts(const ReportSource& source, const Recording& recording,
+                                       const Analysis& analysis) {
+    const RecordingHeader& h = recording.header;
+    return {
+        {"Recording", source.fileName +
+                          (source.fromTelemetry ? " (made now from the telemetry file with the profile's settings)" : "")},
+        {"Car", HeaderText(h.carPath)},
+        {"Driver", HeaderText(h.driverName)},
+        {"Profile", HeaderText(h.profileName)},
+        {"Started", FormatStartTime(h.startTimeMs)},
+        {"Duration", Formatted("%.1f s, %s records, %s gaps over %.1f s", analysis.durationSeconds,
+                               Count(analysis.records).c_str(), Count(analysis.gaps.size()).c_str(), kGapSeconds)},
+        {"Settings", Formatted("ForceStrength %d, Bumps %d, BumpImpacts %d, UndersteerResistance %d, "
+                               "SuspensionDetailPriority %d, CarForceBalance %d, AbsVibration %d, wheelbase %.1f Nm",
+                               h.ForceStrength, h.Bumps, h.BumpImpacts, h.UndersteerResistance,
+                               h.SuspensionDetailPriority, h.CarForceBalance, h.AbsVibration, h.wheelbaseMaxTorque)},
+        {"Coefficients", Formatted("YawRateMultiplier %.1f, YawSteerGain %.3f, LateralAccelDivisor %.1f, "
+                                   "ResistanceGain %.2f, SteerMarginBias %.4f rad",
+                                   h.YawRateMultiplier, h.YawSteerGain, h.LateralAccelDivisor, h.ResistanceGain,
+                                   h.SteerMarginBias)},
+    };
+}
+
+std::string FormatFindings(const Analysis& analysis) {
+    std::string text;
+    Findings(text, analysis);
+    return text;
+}
+
 std::string FormatReport(const ReportSource& source, const Recording& recording, const Analysis& analysis,
                          const Advice& advice) {
     std::string text;
-    Facts(text, source, recording, analysis);
+    for (const ReportFact& fact : RecordingFacts(source, recording, analysis)) {
+        Line(text, "%-12s %s", fact.label.c_str(), fact.value.c_str());
+    }
+    Line(text, "");
     Findings(text, analysis);
     AdviceTable(text, advice);
     const std::vector<std::string> warnings = ReadingWarnings(recording);

@@ -13,6 +13,18 @@ struct ReportSource {
     bool fromTelemetry = false;  // made on the spot from a telemetry file
 };
 
+// The header's facts as label and value, in the report's order: where the recording came from, car,
+// driver, profile, start, duration, settings and car coefficients.
+struct ReportFact {
+    std::string label;
+    std::string value;
+};
+std::vector<ReportFact> RecordingFacts(const ReportSource& source, const Recording& recording,
+                                       const Analysis& analysis);
+
+// Each finding with the numbers behind it: clipping, texture and priority, events, the coefficient fit.
+std::string FormatFindings(const Analysis& analysis);
+
 // The analysis as text: the header's facts, each finding with its numbers, the advice table and any
 // warnings of the reading. Lines end in '\n'; UTF-8.
 std::string FormatReport(const ReportSource& source, const Recording& recording, const Analysis& analysis,

@@ -41,7 +41,10 @@ CommandOutcome WriteAdvice(const AnalyzerCommand& command, const Advice& advice,
 
 bool ParseAnalyzerArguments(const std::vector<std::string>& args, AnalyzerCommand& command, std::string& error) {
     command = AnalyzerCommand{};
-    if (args.empty()) return Refuse(error, "no recording or telemetry file given");
+    if (args.empty()) {
+        command.kind = CommandKind::Open;
+        return true;
+    }
     const std::string& first = args[0];
     if (first == "--help" || first == "-h") {
         command.kind = CommandKind::Help;
@@ -62,13 +65,14 @@ bool ParseAnalyzerArguments(const std::vector<std::string>& args, AnalyzerComman
     }
     if (first.starts_with("-")) return Refuse(error, "unknown option " + first);
     if (args.size() != 1) return Refuse(error, "one file at a time");
-    command.kind = CommandKind::Report;
+    command.kind = CommandKind::Open;
     command.input = PathFromUtf8(first);
     return true;
 }
 
 std::string UsageText(const std::string& programName) {
-    return "usage: " + programName + " --report FILE            the analysis as text\n" +
+    return "usage: " + programName + " [FILE]                   the analysis in a window on Windows, as text elsewhere\n" +
+           "       " + programName + " --report FILE            the analysis as text\n" +
            "       " + programName + " --advice FILE OUT.ini    the advice file for Gripline\n" +
            "FILE is a recording (.vtrrec) or a telemetry file (.ibt), which is run through the engine first.\n" +
            "Exit codes: 0 done, 1 usage, 2 unreadable input, 3 advice not writable, 4 nothing to advise.\n";
@@ -78,9 +82,10 @@ CommandOutcome RunAnalyzer(const std::vector<std::string>& args, const std::stri
                            const SettingsForCar& settingsForCar) {
     AnalyzerCommand command;
     std::string error;
-    if (!ParseAnalyzerArguments(args, command, error)) {
-        return {kExitUsage, "", programName + ": " + error + "\n" + UsageText(programName)};
+    if (ParseAnalyzerArguments(args, command, error) && command.kind == CommandKind::Open && command.input.empty()) {
+        error = "no recording or telemetry file given";  // without a window there is nothing to open it in
     }
+    if (!error.empty()) return {kExitUsage, "", programName + ": " + error + "\n" + UsageText(programName)};
     if (command.kind == CommandKind::Help) return {kExitSuccess, UsageText(programName), ""};
 
     const std::string prefix = programName + ": " + Utf8FromPath(command.input) + ": ";

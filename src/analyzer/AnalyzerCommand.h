@@ -15,7 +15,8 @@ constexpr int kExitNothingToAdvise = 4;  // the recording gives no reason to cha
 
 enum class CommandKind {
     Help,
-    Report,  // --report FILE, and a bare FILE as the program passes it
+    Open,    // a bare FILE as Gripline passes it, or nothing: the window, or the report where there is none
+    Report,  // --report FILE
     Advice,  // --advice FILE OUT.ini
 };
 

@@ -1,6 +1,7 @@
 // "Veltor Commercial Analyzer.exe": a GUI-subsystem program, so Gripline can start it without a console
-// flashing up. Until its window exists it runs the command line and shows the result where the user is:
-// in the output a script redirected, in the console it was typed in, or else in a message box.
+// flashing up. With a file, or nothing, it opens its window; --report and --advice run without one and
+// show the result where the user is: in the output a script redirected, in the console it was typed in,
+// or else in a message box.
 #include <windows.h>
 #include <shellapi.h>
 
@@ -8,12 +9,13 @@
 #include <vector>
 
 #include "analyzer/AnalyzerCommand.h"
+#include "analyzer/AnalyzerWindow.h"
 #include "analyzer/StoredSettings.h"
+#include "profiles/IniEncoding.h"
 #include "profiles/ProfileStore.h"
 
 namespace {
 
-constexpr wchar_t kTitle[] = L"Veltor Commercial Analyzer";
 constexpr size_t kMessageBoxCharacters = 6000;  // a longer text is cut with a note
 
 std::string Utf8(const wchar_t* text) {
@@ -25,13 +27,6 @@ std::string Utf8(const wchar_t* text) {
     return result;
 }
 
-std::wstring Wide(const std::string& text) {
-    if (text.empty()) return {};
-    const int units = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-    std::wstring result(static_cast<size_t>(units), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), result.data(), units);
-    return result;
-}
 
 std::vector<std::string> Arguments() {
     int count = 0;
@@ -59,7 +54,7 @@ bool WriteToParentConsole(const std::string& out, const std::string& err) {
     if (!AttachConsole(ATTACH_PARENT_PROCESS)) return false;
     HANDLE console = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     if (console == INVALID_HANDLE_VALUE) return false;
-    const std::wstring text = L"\r\n" + Wide(out + err);
+    const std::wstring text = L"\r\n" + veltor::DecodeIniBytes(out + err);
     DWORD written = 0;
     WriteConsoleW(console, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
     CloseHandle(console);
@@ -67,22 +62,29 @@ bool WriteToParentConsole(const std::string& out, const std::string& err) {
 }
 
 void ShowInMessageBox(const std::string& out, const std::string& err, int exitCode) {
-    std::wstring text = Wide(err.empty() ? out : err + (out.empty() ? "" : "\n" + out));
+    std::wstring text = veltor::DecodeIniBytes(err.empty() ? out : err + (out.empty() ? "" : "\n" + out));
     if (text.size() > kMessageBoxCharacters) {
         text.resize(kMessageBoxCharacters);
         text += L"\n... (run with --report FILE in a command prompt for the whole text)";
     }
-    MessageBoxW(nullptr, text.c_str(), kTitle,
+    MessageBoxW(nullptr, text.c_str(), veltor::analyzer::kAnalyzerTitle,
                 MB_OK | (exitCode == veltor::analyzer::kExitSuccess ? MB_ICONINFORMATION : MB_ICONWARNING));
 }
 
 }  // namespace
 
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int showCommand) {
     using namespace veltor::analyzer;
-    // The telemetry file runs with what Gripline beside us would drive that car with.
+    // A telemetry file runs with what Gripline beside us would drive that car with.
     const auto settingsForCar = [](std::wstring_view car) { return StoredSettingsForCar(veltor::IniFilePath(), car); };
-    const CommandOutcome outcome = RunAnalyzer(Arguments(), "Veltor Commercial Analyzer", settingsForCar);
+    const std::vector<std::string> args = Arguments();
+    AnalyzerCommand command;
+    std::string error;
+    if (ParseAnalyzerArguments(args, command, error) && command.kind == CommandKind::Open) {
+        AnalyzerWindow window;
+        return window.Run(instance, showCommand, command.input.wstring(), settingsForCar);
+    }
+    const CommandOutcome outcome = RunAnalyzer(args, "Veltor Commercial Analyzer", settingsForCar);
     HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
     HANDLE err = GetStdHandle(STD_ERROR_HANDLE);
     if (Inherited(out) || Inherited(err)) {

@@ -7,25 +7,37 @@
 
 namespace veltor::analyzer {
 
+TimeWindow VisibleWindow(double durationSeconds, int32_t spanPercent, int32_t positionPerMille) {
+    const double duration = std::max(0.0, durationSeconds);
+    const double span = duration * std::clamp(spanPercent, kSpanPercentLowest, kSpanPercentHighest) / 100.0;
+    const double from = (duration - span) * std::clamp(positionPerMille, 0, kPositionHighest) / kPositionHighest;
+    return {from, from + span};
+}
+
 std::vector<PlotBucket> DecimateForPlot(const std::vector<RecordingSample>& samples,
-                                        float RecordingSample::*field, size_t buckets) {
+                                        float RecordingSample::*field, size_t buckets, TimeWindow window) {
     std::vector<PlotBucket> plot;
-    if (samples.empty() || buckets == 0) return plot;
-    double duration = 0.0;
-    for (const RecordingSample& s : samples) duration = std::max(duration, SecondsFromStart(samples, s));
-    const double width = duration > 0.0 ? duration / static_cast<double>(buckets) : 1.0;
-    size_t current = buckets;  // none yet
+    const double length = window.to - window.from;
+    if (samples.empty() || buckets == 0 || !(length >= 0.0)) return plot;
+    const double width = length > 0.0 ? length / static_cast<double>(buckets) : 1.0;
+    // Indexed by slice, so a file whose times fall still plots in time order.
+    std::vector<PlotBucket> slices(buckets);
+    std::vector<bool> used(buckets, false);
     for (const RecordingSample& s : samples) {
         const double t = SecondsFromStart(samples, s);
-        const size_t bucket = static_cast<size_t>(std::min(t / width, static_cast<double>(buckets - 1)));
+        if (t < window.from || t > window.to) continue;
+        const size_t slice = static_cast<size_t>(std::min((t - window.from) / width, static_cast<double>(buckets - 1)));
         const float value = s.*field;
-        if (bucket != current || plot.empty()) {
-            plot.push_back({static_cast<double>(bucket) * width, value, value});
-            current = bucket;
+        if (!used[slice]) {
+            slices[slice] = {window.from + static_cast<double>(slice) * width, value, value};
+            used[slice] = true;
             continue;
         }
-        plot.back().lowest = std::min(plot.back().lowest, value);
-        plot.back().highest = std::max(plot.back().highest, value);
+        slices[slice].lowest = std::min(slices[slice].lowest, value);
+        slices[slice].highest = std::max(slices[slice].highest, value);
+    }
+    for (size_t i = 0; i < buckets; ++i) {
+        if (used[i]) plot.push_back(slices[i]);
     }
     return plot;
 }

@@ -1,21 +1,15 @@
 #include "app/App.h"
 
-#include <dwmapi.h>
-
 #include <string>
 
 #include "app/ControlCatalogue.h"
+#include "app/DarkCaption.h"
 #include "app/SliderValueText.h"
 #include "app/Theme.h"
 #include "app/TorqueField.h"
 
 namespace veltor {
 namespace {
-
-// Attribute numbers that older SDK headers don't name.
-constexpr DWORD kDwmUseDarkMode = 20;
-constexpr DWORD kDwmCaptionColour = 35;
-constexpr DWORD kDwmCaptionTextColour = 36;
 
 // The lists must not move their elements once a control points into them.
 constexpr size_t kSliderRowCapacity = 24;
@@ -95,12 +89,7 @@ bool App::CreateMainWindow(int showCommand) {
         SendMessageW(Window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(AppIcon));
         SendMessageW(Window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(AppIcon));
     }
-    const BOOL darkMode = TRUE;
-    const COLORREF caption = kWindowColour;
-    const COLORREF captionText = kPrimaryTextColour;
-    DwmSetWindowAttribute(Window, kDwmUseDarkMode, &darkMode, sizeof darkMode);
-    DwmSetWindowAttribute(Window, kDwmCaptionColour, &caption, sizeof caption);
-    DwmSetWindowAttribute(Window, kDwmCaptionTextColour, &captionText, sizeof captionText);
+    ApplyDarkCaption(Window);
     SliderRows.reserve(kSliderRowCapacity);
     CheckboxRows.reserve(kCheckboxRowCapacity);
     CreateControls();

@@ -54,12 +54,12 @@ TEST(RunAnalyzer, AnswersEachCommandLineWithItsExitCodeMessageAndFile) {
         {{"--advice", clipping}, kExitUsage, "", "--advice takes a file and the advice file", ""},
         {{"--frobnicate", clipping}, kExitUsage, "", "unknown option --frobnicate", ""},
         {{clipping, quiet}, kExitUsage, "", "one file at a time", ""},
-        {{"--help"}, kExitSuccess, "usage: veltor-analyzer --report FILE", "", ""},
+        {{"--help"}, kExitSuccess, "usage: veltor-analyzer [FILE]", "", ""},
         {{"--report", (folder.path / "absent.vtrrec").string()}, kExitBadInput, "", "absent.vtrrec: no such file", ""},
         {{"--report", junk}, kExitBadInput, "", "junk.vtrrec: not a recording", ""},
         {{"--report", junkTelemetry}, kExitBadInput, "", "not a telemetry file the engine can run", ""},
         {{"--report", clipping}, kExitSuccess, "50 -> 41     the 99.5th percentile of the force, 44.4 Nm, is 111 %", "", ""},
-        {{clipping}, kExitSuccess, "Profile    Driver 1\n", "", ""},
+        {{clipping}, kExitSuccess, "Profile      Driver 1\n", "", ""},
         {{"--advice", clipping, advice}, kExitSuccess, "Force strength 50 -> 41\n", "", advice},
         {{"--advice", quiet, noAdvice}, kExitNothingToAdvise, "", "nothing to advise, " , noAdvice},
         {{"--advice", clipping, unwritable}, kExitCannotWrite, "", "cannot write the advice file", unwritable},
@@ -81,9 +81,9 @@ TEST(RunAnalyzer, ReportsTheSampleTelemetryThroughTheEngine) {
     const CommandOutcome outcome = Analyze({"--report", test::kSampleTelemetry});
     ASSERT_EQ(outcome.exitCode, kExitSuccess) << outcome.err;
     EXPECT_EQ(outcome.err, "");
-    for (const char* line : {"Recording  mercedesamggt4_sample.ibt (made now from the telemetry file",
-                             "\nCar        mercedesamggt4\n", "\nProfile    Default\n",
-                             "Duration   56.2 s, 3371 records, 0 gaps", "\n  records with grip     "}) {
+    for (const char* line : {"Recording    mercedesamggt4_sample.ibt (made now from the telemetry file",
+                             "\nCar          mercedesamggt4\n", "\nProfile      Default\n",
+                             "Duration     56.2 s, 3371 records, 0 gaps", "\n  records with grip     "}) {
         EXPECT_NE(outcome.out.find(line), std::string::npos) << line << "\n" << outcome.out;
     }
 }

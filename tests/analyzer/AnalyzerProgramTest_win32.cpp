@@ -56,10 +56,11 @@ TEST(AnalyzerProgram, PrintsToARedirectedOutputAndEndsWithItsExitCode) {
         DWORD exitCode;
         const char* output;
     } cases[] = {
-        {L"--report \"" + recording.wstring() + L"\"", 0, "\nProfile    Driver 1\n"},
-        {L"\"" + recording.wstring() + L"\"", 0, "only 100 records: 600 (10 s) needed for advice"},
+        {L"--report \"" + recording.wstring() + L"\"", 0, "\nProfile      Driver 1\n"},
+        {L"--advice \"" + recording.wstring() + L"\" \"" + (folder.path / "advice.ini").wstring() + L"\"", 4,
+         "only 100 records: 600 (10 s) needed for advice"},
         {L"--report \"" + junk.wstring() + L"\"", 2, "junk.vtrrec: too short for a recording header"},
-        {L"", 1, "no recording or telemetry file given\nusage:"},
+        {L"--report", 1, "--report takes one file\nusage:"},
     };
     int run = 0;
     for (const auto& c : cases) {

@@ -40,7 +40,8 @@ TEST(PlotData, EveryPeakSurvivesDecimationAndTheHistogramBinsByShareOfFullScale)
     std::vector<RecordingSample> samples = test::SampleRecords(6000);
     samples[4321].mixedTorque = 33.0f;
     samples[17].mixedTorque = -12.0f;
-    const std::vector<PlotBucket> plot = DecimateForPlot(samples, &RecordingSample::mixedTorque, 100);
+    const double duration = 5999 * 0.016667;
+    const std::vector<PlotBucket> plot = DecimateForPlot(samples, &RecordingSample::mixedTorque, 100, {0.0, duration});
     ASSERT_EQ(plot.size(), 100u);
     float highest = 0.0f, lowest = 0.0f;
     for (const PlotBucket& b : plot) {
@@ -50,6 +51,12 @@ TEST(PlotData, EveryPeakSurvivesDecimationAndTheHistogramBinsByShareOfFullScale)
     EXPECT_EQ(highest, 33.0f);
     EXPECT_EQ(lowest, -12.0f);
     EXPECT_EQ(plot[0].lowest, -12.0f);
+    // Zoomed to the stretch around the peak: only its records, in slices of that stretch.
+    const std::vector<PlotBucket> zoomed = DecimateForPlot(samples, &RecordingSample::mixedTorque, 10, {70.0, 74.0});
+    ASSERT_EQ(zoomed.size(), 10u);
+    EXPECT_NEAR(zoomed[0].start, 70.0, 1e-9);
+    EXPECT_EQ(zoomed[5].highest, 33.0f);  // 72.02 s
+    EXPECT_EQ(zoomed[0].lowest, 0.0f);
 
     samples[0].fullScaleTorque = 0.0f;  // not counted
     samples[1].mixedTorque = 400.0f;   // ten times full scale: the last bin
@@ -59,6 +66,19 @@ TEST(PlotData, EveryPeakSurvivesDecimationAndTheHistogramBinsByShareOfFullScale)
     EXPECT_EQ(bins[16], 1u);  // 33 / 40 = 0.825 of full scale, bins 0.05 wide
     EXPECT_EQ(bins[6], 1u);   // |-12| / 40 = 0.3
     EXPECT_EQ(bins[0], 6000u - 4u);
+}
+
+TEST(PlotData, TheViewsSlidersChooseTheStretchShown) {
+    struct Case {
+        int32_t span, position;
+        TimeWindow expected;
+    };
+    for (const Case& c : {Case{100, 0, {0.0, 600.0}}, Case{10, 0, {0.0, 60.0}}, Case{10, 1000, {540.0, 600.0}},
+                          Case{50, 500, {150.0, 450.0}}, Case{0, -5, {0.0, 12.0}}, Case{400, 3000, {0.0, 600.0}}}) {
+        const TimeWindow w = VisibleWindow(600.0, c.span, c.position);
+        EXPECT_NEAR(w.from, c.expected.from, 1e-9) << c.span << " " << c.position;
+        EXPECT_NEAR(w.to, c.expected.to, 1e-9) << c.span << " " << c.position;
+    }
 }
 
 }  // namespace

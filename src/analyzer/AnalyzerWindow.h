@@ -1,0 +1,121 @@
+#pragma once
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "analyzer/Advice.h"
+#include "analyzer/AnalysisReport.h"
+#include "analyzer/AnalyzerInput.h"
+#include "analyzer/PlotData.h"
+#include "app/CheckboxControl.h"
+#include "app/GdiplusFlat.h"
+#include "app/SliderControl.h"
+
+namespace veltor::analyzer {
+
+inline constexpr wchar_t kAnalyzerWindowClass[] = L"VeltorAnalyzerWindow";
+inline constexpr wchar_t kAnalyzerTitle[] = L"Veltor Commercial Analyzer";
+inline constexpr int32_t kAnalyzerClientWidth = 1520;
+inline constexpr int32_t kAnalyzerClientHeight = 900;
+
+// Control ids of the analyzer's window.
+enum AnalyzerControlId : int32_t {
+    kOpenButtonId = 2001,
+    kSaveAdviceButtonId = 2002,
+    kApplyButtonId = 2003,
+    kSpanSliderId = 2010,
+    kPositionSliderId = 2011,
+    kFirstApplyCheckId = 2020,  // one for each advice row that proposes a change, in the table's order
+};
+
+// What the window shows of one analysed file; plots are rebuilt when the view's sliders move.
+struct AnalyzedFile {
+    std::wstring path;
+    Recording recording;
+    Analysis analysis;
+    Advice advice;
+    std::vector<ReportFact> facts;
+    std::wstring findings;
+    std::vector<PlotBucket> mixed;
+    std::vector<PlotBucket> steerExcess;
+    std::vector<PlotBucket> understeerLoad;
+    std::vector<size_t> histogram;
+    TimeWindow shown;
+};
+
+// The analyzer's one window: a recording's facts, plots, findings and advice, and the buttons that hand
+// the advice to Gripline or save it. The GUI thread alone touches it.
+class AnalyzerWindow {
+public:
+    AnalyzerWindow() = default;
+    AnalyzerWindow(const AnalyzerWindow&) = delete;
+    AnalyzerWindow& operator=(const AnalyzerWindow&) = delete;
+    ~AnalyzerWindow();
+
+    // Resources, the window, the file if one is given, and the message loop; the process's exit code.
+    int Run(HINSTANCE instance, int showCommand, const std::wstring& file, const SettingsForCar& settingsForCar);
+
+    // Everything but the loop: false when the window could not be made.
+    bool Create(HINSTANCE instance, int showCommand, const SettingsForCar& settingsForCar);
+    // Reads and analyses the file and shows it, or shows why it can't.
+    void Open(const std::wstring& file);
+
+    LRESULT Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    HWND Window = nullptr;
+
+private:
+    void CreateBrushesAndFonts();
+    void CreateControls();
+    void RebuildApplyChecks();
+    void UpdateButtons();
+    void RebuildPlots();
+    void OnCommand(int32_t id);
+    void OnCheckbox(int32_t id);
+    void OnSlider(HWND slider);
+    void ChooseFile();
+    void ApplyToGripline();
+    void SaveAdviceAs();
+    void SetStatus(const std::wstring& text, bool failure);
+
+    // Painting (AnalyzerPainting_win32.cpp).
+    void Paint(HDC dc);
+    void PaintHeader(HDC dc);
+    void PaintFacts(HDC dc);
+    void PaintForcePlot(HDC dc, Gdiplus::GpGraphics* graphics);
+    void PaintGripPlot(HDC dc, Gdiplus::GpGraphics* graphics);
+    void PaintHistogram(HDC dc, Gdiplus::GpGraphics* graphics);
+    void PaintViewRange(HDC dc);
+    void PaintAdvice(HDC dc);
+    void PaintEmpty(HDC dc);
+
+    HINSTANCE Instance = nullptr;
+    SettingsForCar SettingsFor;
+    bool Loaded = false;
+    std::wstring OpenFailure;  // why the last file could not be shown
+    AnalyzedFile File;
+    std::wstring Status;
+    bool StatusIsFailure = false;
+
+    HWND OpenButton = nullptr;
+    HWND SaveAdviceButton = nullptr;
+    HWND ApplyButton = nullptr;
+    SliderRow SpanSlider;
+    SliderRow PositionSlider;
+    std::vector<CheckboxRow> ApplyChecks;  // reserved once: the controls point into it
+    std::vector<size_t> ApplyCheckRows;    // the advice row behind each check
+
+    HFONT BodyFont = nullptr;
+    HFONT TitleFont = nullptr;
+    HFONT SectionFont = nullptr;
+    HFONT SmallFont = nullptr;
+    HFONT MonoFont = nullptr;
+    HBRUSH WindowBrush = nullptr;
+    HBRUSH PanelBrush = nullptr;
+    HBRUSH HeaderBrush = nullptr;
+    HBRUSH AccentBrush = nullptr;
+    ULONG_PTR GdiplusToken = 0;
+};
+
+}  // namespace veltor::analyzer
