@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "GripDrive.h"
+#include "HourRecording.h"
 #include "IbtFileWriter.h"
 #include "SessionInfoText.h"
 #include "analyzer/AnalysisReport.h"
@@ -27,9 +28,7 @@ using namespace veltor::analyzer;
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr int64_t kHourRecords = 216000;
 constexpr size_t kPlotBuckets = 1600;  // a wide window's plot, one bucket per pixel column
-constexpr int64_t kChunkRecords = 6000;
 
 double Seconds(Clock::duration d) { return std::chrono::duration<double>(d).count(); }
 
@@ -44,43 +43,6 @@ double PeakResidentMegabytes() {
 }
 
 void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
-
-// One record of a made-up hour: cornering, texture, clipping now and then, ABS in the braking zones.
-RecordingSample HourRecord(int64_t i) {
-    const double t = static_cast<double>(i) / 60.0;
-    RecordingSample s;
-    s.timeMicroseconds = static_cast<uint64_t>(i) * 16667;
-    s.tickCount = static_cast<int32_t>(i);
-    s.speed = s.velocityX = static_cast<float>(36.0 + 24.0 * std::sin(t / 7.5));
-    s.latAccel = static_cast<float>(10.0 * std::sin(t / 2.1));
-    s.yawRate = s.latAccel / s.speed;
-    s.steeringWheelAngle = 38.0f * s.yawRate / s.speed + s.latAccel / 84.0f;
-    s.steerExcess = std::fmod(t, 60.0) < 6.0 ? 0.1f : -0.05f;
-    s.baseTorque = 3.2f * s.latAccel;
-    s.textureTorque = static_cast<float>(0.8 * std::sin(t * 150.0));
-    s.mixedTorque = s.baseTorque + s.textureTorque;
-    s.fullScaleTorque = 40.0f;
-    s.crashGain = 1.0f;
-    s.clipped = std::fabs(s.mixedTorque) > 40.0f ? 1 : 0;
-    s.priorityActed = std::fabs(s.textureTorque) > 0.7f ? 1 : 0;
-    s.absActive = std::fmod(t, 45.0) < 1.5 ? 1 : 0;
-    return s;
-}
-
-fs::path WriteHourRecording(const fs::path& folder) {
-    const fs::path file = folder / "hour.vtrrec";
-    RecordingHeader header = MakeRecordingHeader(L"bmwm4gt3", L"Bench Driver", L"Driver 1", EngineSettings{},
-                                                 CarRow{37.5f, 0.0f, 82.0f, 1.0f, 0.0f}, 1700000000000ull);
-    std::ofstream out(file, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(&header), sizeof header);
-    std::vector<RecordingSample> chunk;
-    for (int64_t i = 0; i < kHourRecords; i += kChunkRecords) {
-        chunk.clear();
-        for (int64_t k = i; k < std::min(i + kChunkRecords, kHourRecords); ++k) chunk.push_back(HourRecord(k));
-        out.write(reinterpret_cast<const char*>(chunk.data()), static_cast<std::streamsize>(chunk.size() * sizeof chunk[0]));
-    }
-    return file;
-}
 
 fs::path WriteHourTelemetry(const fs::path& folder) {
     const fs::path file = folder / "hour.ibt";
@@ -110,8 +72,8 @@ int main(int argc, char** argv) {
     const fs::path folder = fs::temp_directory_path() / "veltor_analyzer_bench";
     fs::create_directories(folder);
 
-    const fs::path recordingFile = WriteHourRecording(folder);
-    std::printf("Recording of one hour: %lld records, %.1f MB\n", static_cast<long long>(kHourRecords),
+    const fs::path recordingFile = bench::WriteHourRecording(folder);
+    std::printf("Recording of one hour: %lld records, %.1f MB\n", static_cast<long long>(bench::kHourRecords),
                 static_cast<double>(fs::file_size(recordingFile)) / 1e6);
     Times times;
     double peak = 0.0;
@@ -131,7 +93,7 @@ int main(int argc, char** argv) {
         const Clock::time_point analysed = Clock::now();
         for (float RecordingSample::*field : {&RecordingSample::mixedTorque, &RecordingSample::steerExcess,
                                               &RecordingSample::understeerLoad}) {
-            DecimateForPlot(recording.samples, field, kPlotBuckets);
+            DecimateForPlot(recording.samples, field, kPlotBuckets, {0.0, analysis.durationSeconds});
         }
         FullScaleHistogram(recording.samples);
         const Clock::time_point plotted = Clock::now();
