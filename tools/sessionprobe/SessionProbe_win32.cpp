@@ -1,9 +1,13 @@
-// What scripts/run does to the running program, one command per start:
+// What scripts/run does to the running program and its analyzer, one command per start:
 //   painted                 waits for the painted main window and prints its rectangle "x y width height"
 //   press ID                clicks the control with this id with the real mouse, as a user would
+//   record FILE             presses Record and answers the save dialog with FILE (a Windows path)
 //   wait-log TEXT [SECONDS] waits until the session log holds TEXT (default 60 s)
 //   log                     prints the session log
 //   close                   closes the window as its close box does
+//   analyzer                waits for the analyzer's window with a recording open; prints its rectangle
+//   analyzer-apply          presses "Apply to Gripline"; exit code 3 when the analyzer proposes nothing
+//   analyzer-close          closes the analyzer's window
 //   wheel-summary FILE      what the virtual wheel's call log says the wheel was sent
 #include <windows.h>
 
@@ -15,18 +19,32 @@
 #include <string>
 
 #include "ProgramWindow_win32.h"
+#include "SaveDialog_win32.h"
 
 namespace {
 
-HWND PaintedWindow() {
+constexpr int kApplyToGriplineId = 2003;
+
+// The painted window of this class whose title holds `titlePart`.
+HWND PaintedWindow(const wchar_t* className, const wchar_t* titlePart, const char* what) {
     const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
     do {
-        HWND window = FindWindowW(L"VeltorCommercialWindow", nullptr);
-        if (window != nullptr && veltor::test::IsPainted(window)) return window;
+        HWND window = FindWindowW(className, nullptr);
+        if (window != nullptr && veltor::test::IsPainted(window) &&
+            veltor::test::WindowText(window).find(titlePart) != std::wstring::npos) {
+            return window;
+        }
         Sleep(50);
     } while (GetTickCount64() < until);
-    std::fprintf(stderr, "no painted Gripline window\n");
+    std::fprintf(stderr, "no painted %s window\n", what);
     return nullptr;
+}
+
+int PrintRectangle(HWND window) {
+    RECT rect;
+    GetWindowRect(window, &rect);
+    std::printf("%ld %ld %ld %ld\n", rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top);
+    return 0;
 }
 
 HWND SessionLog(HWND window) {
@@ -73,6 +91,16 @@ int Press(HWND window, int id) {
     SetCursorPos((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
     MouseButton(MOUSEEVENTF_LEFTDOWN);
     MouseButton(MOUSEEVENTF_LEFTUP);
+    return 0;
+}
+
+int Record(HWND window, const std::wstring& file) {
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    if (Press(window, 1124) != 0 || !veltor::test::AnswerFileDialog(processId, file)) {
+        std::fprintf(stderr, "the save dialog for the recording did not come or go\n");
+        return 1;
+    }
     return 0;
 }
 
@@ -124,15 +152,23 @@ int WheelSummary(const char* path) {
 int main(int argc, char** argv) {
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "wheel-summary" && argc > 2) return WheelSummary(argv[2]);
-    HWND window = PaintedWindow();
-    if (window == nullptr) return 1;
-    if (command == "painted") {
-        RECT rect;
-        GetWindowRect(window, &rect);
-        std::printf("%ld %ld %ld %ld\n", rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top);
-        return 0;
+    if (command.rfind("analyzer", 0) == 0) {
+        // The analyzer's title names the file it shows.
+        HWND analyzer = PaintedWindow(L"VeltorAnalyzerWindow", L" - ", "analyzer");
+        if (analyzer == nullptr) return 1;
+        if (command == "analyzer") return PrintRectangle(analyzer);
+        if (command == "analyzer-close") return PostMessageW(analyzer, WM_CLOSE, 0, 0) ? 0 : 1;
+        if (command == "analyzer-apply") {
+            if (IsWindowEnabled(GetDlgItem(analyzer, kApplyToGriplineId))) return Press(analyzer, kApplyToGriplineId);
+            std::printf("The analyzer proposes no change for this drive.\n");
+            return 3;
+        }
     }
+    HWND window = PaintedWindow(L"VeltorCommercialWindow", L"Gripline", "Gripline");
+    if (window == nullptr) return 1;
+    if (command == "painted") return PrintRectangle(window);
     if (command == "press" && argc > 2) return Press(window, std::atoi(argv[2]));
+    if (command == "record" && argc > 2) return Record(window, Wide(argv[2]));
     if (command == "wait-log" && argc > 2) return WaitForLog(window, Wide(argv[2]), argc > 3 ? std::atof(argv[3]) : 60.0);
     if (command == "log") {
         std::fputs(Utf8(LogText(window)).c_str(), stdout);
@@ -142,7 +178,7 @@ int main(int argc, char** argv) {
         PostMessageW(window, WM_CLOSE, 0, 0);
         return 0;
     }
-    std::fprintf(stderr, "usage: session_probe painted | press ID | wait-log TEXT [SECONDS] | log | close |"
-                         " wheel-summary FILE\n");
+    std::fprintf(stderr, "usage: session_probe painted | press ID | record FILE | wait-log TEXT [SECONDS] | log |"
+                         " close | analyzer | analyzer-apply | analyzer-close | wheel-summary FILE\n");
     return 2;
 }
