@@ -6,7 +6,7 @@
 #include "app/DarkCaption.h"
 #include "app/SliderValueText.h"
 #include "app/Theme.h"
-#include "app/TorqueField.h"
+#include "profiles/TorqueField.h"
 
 namespace veltor {
 namespace {

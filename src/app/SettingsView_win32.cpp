@@ -2,7 +2,7 @@
 #include "app/App.h"
 #include "app/ControlCatalogue.h"
 #include "app/SliderGeometry.h"
-#include "app/TorqueField.h"
+#include "profiles/TorqueField.h"
 
 #include <algorithm>
 

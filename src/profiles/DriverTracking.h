@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/TorqueField.h"
+#include "profiles/TorqueField.h"
 #include "engine/EngineSettings.h"
 #include "engine/EngineStatus.h"
 #include "profiles/AnalyzerAdvice.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/SliderValueText.h"
-#include "app/TorqueField.h"
+#include "profiles/TorqueField.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/TorqueField.h"
+#include "profiles/TorqueField.h"
 
 #include <algorithm>
 #include <cmath>
