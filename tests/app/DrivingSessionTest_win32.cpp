@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -31,22 +33,9 @@ struct StripWidths {
 
 bool MeasureStrip(HWND window, const char* name, StripWidths& widths) {
     Screenshot shot(VELTOR_ARTEFACT_DIR);
-    if (!shot.Take(name)) return false;
-    RECT client;
-    GetClientRect(window, &client);
-    auto rightmost = [&](LONG from, LONG to) {
-        LONG last = 0;
-        for (LONG x = from; x < to; ++x) {
-            for (LONG y = client.bottom - 22; y < client.bottom - 4; ++y) {
-                POINT p{x, y};
-                ClientToScreen(window, &p);
-                const COLORREF c = shot.At(p);
-                if (GetRValue(c) + GetGValue(c) + GetBValue(c) >= 300) last = x;
-            }
-        }
-        return last;
-    };
-    widths = {rightmost(0, 250), rightmost(250, 445)};
+    if (!shot.Take(window, name)) return false;
+    widths = {shot.InkIn(0, 250, shot.height - 22, shot.height - 4).last,
+              shot.InkIn(250, 445, shot.height - 22, shot.height - 4).last};
     return true;
 }
 
@@ -88,15 +77,11 @@ protected:
     }
     void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
 
+    // What the stand-in analyzer was started with, once it has run.
     static std::wstring Arguments() {
         const std::wstring path = program->folder.Path + L"\\analyzer-arguments.txt";
         if (!program->WaitUntil([&] { return FileExists(path); })) return L"(not started)";
-        HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, 0, nullptr);
-        std::wstring text(GetFileSize(file, nullptr) / sizeof(wchar_t), L'\0');
-        DWORD got = 0;
-        ReadFile(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &got, nullptr);
-        CloseHandle(file);
+        const std::wstring text = Utf16FileText(path);
         DeleteFileW(path.c_str());
         return text;
     }
@@ -125,13 +110,8 @@ protected:
     }
 
     static bool ReadHeader(const std::wstring& name, RecordingHeader& header) {
-        HANDLE file = CreateFileW((program->folder.Path + L"\\" + name).c_str(), GENERIC_READ, FILE_SHARE_READ,
-                                  nullptr, OPEN_EXISTING, 0, nullptr);
-        DWORD got = 0;
-        const bool read = file != INVALID_HANDLE_VALUE && ReadFile(file, &header, sizeof header, &got, nullptr) &&
-                          got == sizeof header;
-        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
-        return read;
+        std::ifstream file(std::filesystem::path(program->folder.Path + L"\\" + name), std::ios::binary);
+        return static_cast<bool>(file.read(reinterpret_cast<char*>(&header), sizeof header));
     }
 
     struct Buttons {

@@ -106,15 +106,10 @@ TEST_F(ProfileCommands, TorqueBoxTakesTheNumberWhenItLosesTheFocus) {
 }
 
 TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
-    auto items = [] {
-        std::vector<std::wstring> names;
-        for (int i = 0; i < program->ItemCount(1008); ++i) names.push_back(program->Item(1008, i));
-        return names;
-    };
     size_t from = program->Log().size();
     program->Press(1009);
     ASSERT_TRUE(program->WaitForLog({L"New driver profile created.\r\n"}, from));
-    EXPECT_EQ(items(), (std::vector<std::wstring>{L"Default", L"Driver 2"}));
+    EXPECT_EQ(program->Items(1008), (std::vector<std::wstring>{L"Default", L"Driver 2"}));
     EXPECT_EQ(program->Text(1008), L"Driver 2");
 
     const struct {
@@ -132,7 +127,7 @@ TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
         program->Press(1010);
         // The advice's car is the car seen last: saving stores its settings and coefficients.
         EXPECT_TRUE(program->WaitForLog({L"Car settings and coefficients saved.\r\n"}, from));
-        EXPECT_EQ(items(), save.names);
+        EXPECT_EQ(program->Items(1008), save.names);
         EXPECT_EQ(program->Text(1008), save.shown);
     }
 
@@ -141,27 +136,6 @@ TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
     EXPECT_TRUE(program->WaitForLog({L"Driver profile loaded.\r\n"}, from));
     program->Key(1100, VK_END);  // into Fast Lap's entry for the car
     EXPECT_TRUE(program->WaitUntil([] { return program->ValueText(1100) == L"20"; }));
-}
-
-TEST_F(ProfileCommands, LogWindowShowsTheWholeLogEachTimeItIsOpened) {
-    for (int opening = 0; opening < 2; ++opening) {
-        program->Press(1123);
-        HWND logWindow = nullptr;
-        ASSERT_TRUE(program->WaitUntil([&] {
-            logWindow = FindProcessWindow(program->process->info.dwProcessId, L"Edit");
-            return logWindow != nullptr && IsWindowVisible(logWindow);
-        }));
-        wchar_t caption[64] = {};
-        InternalGetWindowText(logWindow, caption, 64);
-        EXPECT_STREQ(caption, L"Veltor Session Log");
-        EXPECT_EQ(GetWindow(logWindow, GW_OWNER), program->window);
-        EXPECT_EQ(WindowText(logWindow), program->Log());
-        SendMessageW(logWindow, WM_CLOSE, 0, 0);
-        ASSERT_TRUE(program->WaitUntil([&] { return !IsWindow(logWindow); }));
-        const size_t from = program->Log().size();
-        program->Flip(1012);  // one more line while the window is closed
-        ASSERT_TRUE(program->WaitForLog({L"Debug logging"}, from));
-    }
 }
 
 TEST_F(ProfileCommands, ClosingSavesProfilesCarEntriesAndOverrides) {

@@ -4,12 +4,11 @@
 // for what the program shows, under a generous deadline.
 #include <windows.h>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ProgramWindow_win32.h"
 
@@ -30,8 +29,7 @@ public:
         if (!folder.copied) return false;
         process = std::make_unique<Process>(folder.Exe, arguments);
         window = process->started ? WaitForPaintedWindow(*process) : nullptr;
-        log = window != nullptr ? GetWindow(window, GW_CHILD) : nullptr;
-        while (log != nullptr && GetWindow(log, GW_HWNDNEXT) != nullptr) log = GetWindow(log, GW_HWNDNEXT);
+        log = window != nullptr ? GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST) : nullptr;
         return window != nullptr;
     }
 
@@ -65,13 +63,16 @@ public:
         SendMessageW(Control(id), CB_SETCURSEL, static_cast<WPARAM>(item), 0);
         SendMessageW(window, WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(Control(id)));
     }
-    std::wstring Item(int id, int item) const {
-        wchar_t text[256] = {};
-        if (SendMessageW(Control(id), CB_GETLBTEXTLEN, static_cast<WPARAM>(item), 0) >= 256) return L"";
-        SendMessageW(Control(id), CB_GETLBTEXT, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(text));
-        return text;
+    std::vector<std::wstring> Items(int id) const {
+        std::vector<std::wstring> items;
+        const int count = static_cast<int>(SendMessageW(Control(id), CB_GETCOUNT, 0, 0));
+        for (int item = 0; item < count; ++item) {
+            std::wstring text(static_cast<size_t>(SendMessageW(Control(id), CB_GETLBTEXTLEN, item, 0)) + 1, L'\0');
+            text.resize(static_cast<size_t>(SendMessageW(Control(id), CB_GETLBTEXT, item, reinterpret_cast<LPARAM>(text.data()))));
+            items.push_back(text);
+        }
+        return items;
     }
-    int ItemCount(int id) const { return static_cast<int>(SendMessageW(Control(id), CB_GETCOUNT, 0, 0)); }
 
     bool WaitUntil(const std::function<bool()>& shown, DWORD timeoutMs = kWindowTimeoutMs) const {
         const ULONGLONG until = GetTickCount64() + timeoutMs;
@@ -118,10 +119,10 @@ public:
     HWND log = nullptr;  // the session log panel, the last child
 };
 
-// The folder's INI file as text (the store writes UTF-16 with its mark).
-inline std::wstring IniText(const ProgramFolder& folder) {
-    HANDLE file = CreateFileW((folder.Path + L"\\Veltor_profiles.ini").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                              OPEN_EXISTING, 0, nullptr);
+// A UTF-16 file as text, without its mark; empty if there is none.
+inline std::wstring Utf16FileText(const std::wstring& path) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                              0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return L"";
     std::wstring text(GetFileSize(file, nullptr) / sizeof(wchar_t), L'\0');
     DWORD got = 0;
@@ -129,6 +130,9 @@ inline std::wstring IniText(const ProgramFolder& folder) {
     CloseHandle(file);
     return text.size() > 0 && text[0] == 0xFEFF ? text.substr(1) : text;
 }
+
+// The folder's INI file as text (the store writes UTF-16 with its mark).
+inline std::wstring IniText(const ProgramFolder& folder) { return Utf16FileText(folder.Path + L"\\Veltor_profiles.ini"); }
 
 // A file written for the program to read, in the system's code page.
 inline bool WriteTextFile(const std::wstring& path, const std::string& text) {

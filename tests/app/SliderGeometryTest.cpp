@@ -24,14 +24,6 @@ TEST(SliderGeometry, PointGivesTheValueAndTheNearestEndBeyondTheTrack) {
     }
 }
 
-TEST(SliderGeometry, SteeringBuildUpSkipsValuesByMouseThatKeysReach) {
-    bool reached[601] = {};
-    for (int32_t x = 0; x <= kWidth; ++x) reached[SliderValueAtPoint(x, kWidth, 100, 700) - 100] = true;
-    int32_t count = 0;
-    for (bool r : reached) count += r ? 1 : 0;
-    EXPECT_EQ(count, 225);  // one value per pixel of the usable track, ends included
-}
-
 TEST(SliderGeometry, KnobFollowsTheValueAndStandsBeyondTheTrackOutsideTheRange) {
     const struct {
         int32_t value, minimum, maximum, knob;

@@ -20,20 +20,20 @@ struct LogWindow {
     void AppendLog(const std::wstring& line) { lines.push_back(line); }
 };
 
+// The session test sees these lines come from a running engine; here are the edges it cannot reach: the
+// debug switch holding reports back, the clipping hint's threshold, an output report with no force.
 TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch) {
     EngineStatus s;
     s.onTrack = true;
     s.onTrackChangeCount = 1;
     s.outputReportCount = 1;
     s.outputReportSamples = 360;
-    s.outputReportNonZero = 0;
     s.outputReportPeak = -12;
     s.clipReportCount = 1;
     s.clippedPercent = 2.5f;
     s.outputFailureCount = 2;
     s.outputFailureCode = 0x80040205u;
     s.telemetryStallCount = 1;
-    const std::wstring noForce = L"No non-zero FFB was sent. Check iRacing telemetry On track status.";
 
     LogWindow w;
     LogNewStatusReports(w, s, false);
@@ -42,34 +42,18 @@ TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch
                                                    L"Telemetry stalled: force released."}));
     w.lines.clear();
     LogNewStatusReports(w, s, true);
-    EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"Telemetry: On track.",
-                                                   L"FFB output report: 360 samples, 0 non-zero, max magnitude -12.",
-                                                   noForce}));
+    EXPECT_EQ(w.lines, (std::vector<std::wstring>{
+                           L"Telemetry: On track.", L"FFB output report: 360 samples, 0 non-zero, max magnitude -12.",
+                           L"No non-zero FFB was sent. Check iRacing telemetry On track status."}));
     w.lines.clear();
     LogNewStatusReports(w, s, true);
     EXPECT_TRUE(w.lines.empty());
 
-    s.onTrack = false;
-    s.onTrackChangeCount = 2;
     s.clipReportCount = 2;
     s.clippedPercent = 2.51f;
-    s.outputReportCount = 2;
-    s.outputReportNonZero = 5;
-    LogNewStatusReports(w, s, true);
-    EXPECT_EQ(w.lines,
-              (std::vector<std::wstring>{
-                  L"Telemetry: Not on track.", L"2.51% of samples were clipped",
-                  L"Consider lowering Force strength to reduce clipping.",
-                  L"FFB output report: 360 samples, 5 non-zero, max magnitude -12.",
-                  L"Non-zero FFB was sent to DirectInput. If the wheel is still dead, test DirectInput/Simucube effect "
-                  L"compatibility."}));
-
-    // Cleared stamps, as after Start or Stop, bring the same counts out again.
-    w.lines.clear();
-    w.LastDeviceErrorStamp = 0;
-    w.LastStallStamp = 0;
     LogNewStatusReports(w, s, false);
-    EXPECT_EQ(w.lines.size(), 2u);
+    EXPECT_EQ(w.lines, (std::vector<std::wstring>{L"2.51% of samples were clipped",
+                                                   L"Consider lowering Force strength to reduce clipping."}));
 }
 
 TEST(StatusReport, DirectInputFailuresAreNamedOrUnknown) {

@@ -74,26 +74,6 @@ TEST(DriverTracking, CarSpecificCheckboxTakesTheCarEntryAndGivesItBack) {
     EXPECT_TRUE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
 }
 
-TEST(DriverTracking, SaveWithACarSeenSwitchesCarSettingsOnAndStoresTheCarsCoefficients) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
-    t.tracking.ToggleCarSpecific(false);
-    t.SeeCar(L"mx5 mx52016");
-    t.tracking.OnCoefficientSlider(1118, 200);  // beyond the range: stored as it is, shown clamped
-    const int overrides = t.view.overridePublications;
-    t.tracking.SaveProfile();
-    EXPECT_EQ(t.view.LastLog(), L"Car settings and coefficients saved.");
-    EXPECT_TRUE(t.view.carCheck);
-    EXPECT_TRUE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
-    EXPECT_EQ(t.view.carSliders[2], 130);
-    EXPECT_EQ(t.view.overridePublications, overrides + 1);
-    ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
-    EXPECT_EQ(t.view.publishedOverrides[0].LateralAccelDivisor, 200.0f);
-    const std::wstring file = DecodeIniBytes(folder.Read());
-    EXPECT_NE(file.find(L"[CarProfile0_mx5_mx52016]"), std::wstring::npos);
-    EXPECT_NE(file.find(L"LateralAccelDivisor=200"), std::wstring::npos);
-}
-
 TEST(DriverTracking, NewProfileWhileACarOwnsTheRecordStartsFromTheCarsValues) {
     ProfileStoreFolder folder;
     folder.Write("[Profiles]\nCount=2\n[Profile1]\nName=Driver 3\n");

@@ -50,10 +50,22 @@ ProfileStore Loaded(const ProfileStoreFolder& folder) {
     return store;
 }
 
-TEST(ProfileStore, AnythingButAListOfProfilesGivesOneDefaultProfile) {
-    const std::string files[] = {"", "[Profiles]\nCount=0\n", "[Profiles]\nCount=-5\n[Profile0]\nName=A\n",
-                                 std::string("\xFF\xFE\x00\xD8\x01\x02[\0\n\r\x80", 12), "\x1A\x1A=\n]["};
-    for (const std::string& bytes : files) {
+// A file without a usable list of profiles gives the one profile "Default"; whatever else it holds stays
+// through a save, however hostile.
+TEST(ProfileStore, AFileWithoutAListOfProfilesGivesOneDefaultAndKeepsItsLinesThroughASave) {
+    std::string manySections;
+    for (int i = 0; i < 10000; ++i) manySections += "[S" + std::to_string(i) + "]\nk=1\nk=2\n";
+    const std::pair<std::string, bool> files[] = {  // the bytes, and whether a save keeps them as they were
+        {"", true},
+        {"[Profiles]\nCount=0\n", false},
+        {"[Profiles]\nCount=-5\n[Profile0]\nName=A\n", false},
+        {std::string("\xFF\xFE\x00\xD8\x01\x02[\0\n\r\x80", 12), true},
+        {"\x1A\x1A=\n][", true},
+        {"big=" + std::string(1 << 20, 'x') + "\n", true},
+        {manySections, true},
+        {std::string("\x80\x81\0\xFF\n[\xE9]\r\r\n=\n", 14), true},
+    };
+    for (const auto& [bytes, kept] : files) {
         ProfileStoreFolder folder;
         if (!bytes.empty()) folder.Write(bytes);
         ProfileStore store = Loaded(folder);
@@ -62,6 +74,13 @@ TEST(ProfileStore, AnythingButAListOfProfilesGivesOneDefaultProfile) {
         EXPECT_EQ(store.SelectedProfile, 0);
         EXPECT_EQ(Text(store.CurrentSettings), Text(EngineSettings{}));
         EXPECT_TRUE(store.CoefficientOverrides.empty());
+        store.Profiles[0].Name = L"Mine";
+        ASSERT_TRUE(store.SaveAll());
+        const std::wstring before = DecodeIniBytes(bytes);
+        if (kept) {
+            EXPECT_EQ(FileText(folder).substr(0, before.size()), before);
+        }
+        EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Mine");
     }
 }
 
@@ -136,26 +155,6 @@ TEST(ProfileStore, SaveKeepsWhatItDoesNotWriteIncludingKeysAddedSinceTheLoad) {
         EXPECT_NE(text.find(line), std::wstring::npos) << line;
     }
     EXPECT_EQ(Loaded(folder).GetCarSettings(0, L"other", EngineSettings{}).ForceStrength, 33);
-}
-
-TEST(ProfileStore, HostileFilesKeepEveryLineThroughASave) {
-    const std::string files[] = {"big=" + std::string(1 << 20, 'x') + "\n",
-                                 [] {
-                                     std::string many;
-                                     for (int i = 0; i < 10000; ++i) many += "[S" + std::to_string(i) + "]\nk=1\nk=2\n";
-                                     return many;
-                                 }(),
-                                 std::string("\x80\x81\0\xFF\n[\xE9]\r\r\n=\n", 14)};
-    for (const std::string& bytes : files) {
-        ProfileStoreFolder folder;
-        folder.Write(bytes);
-        ProfileStore store = Loaded(folder);
-        store.Profiles[0].Name = L"Mine";
-        ASSERT_TRUE(store.SaveAll());
-        const std::wstring before = DecodeIniBytes(bytes);
-        EXPECT_EQ(FileText(folder).substr(0, before.size()), before);
-        EXPECT_EQ(Loaded(folder).Profiles[0].Name, L"Mine");
-    }
 }
 
 // The session goes on from memory; nothing reaches or harms the file until it can be written again.

@@ -47,12 +47,6 @@ int PrintRectangle(HWND window) {
     return 0;
 }
 
-HWND SessionLog(HWND window) {
-    HWND log = GetWindow(window, GW_CHILD);
-    while (log != nullptr && GetWindow(log, GW_HWNDNEXT) != nullptr) log = GetWindow(log, GW_HWNDNEXT);
-    return log;
-}
-
 std::string Utf8(const std::wstring& text) {
     std::string out(text.size() * 3, '\0');
     const int n = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(),
@@ -62,14 +56,13 @@ std::string Utf8(const std::wstring& text) {
 }
 
 std::wstring Wide(const char* text) {
-    std::wstring out(std::strlen(text), L'\0');
-    const int n = MultiByteToWideChar(CP_UTF8, 0, text, -1, out.data(), static_cast<int>(out.size()) + 1);
-    out.resize(n > 0 ? static_cast<size_t>(n) - 1 : 0);
-    return out;
+    std::wstring out(std::strlen(text) + 1, L'\0');
+    out.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, text, -1, out.data(), static_cast<int>(out.size()))));
+    return out.empty() ? out : out.substr(0, out.size() - 1);
 }
 
 std::wstring LogText(HWND window) {
-    HWND log = SessionLog(window);
+    HWND log = GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST);  // the session log
     std::wstring text(static_cast<size_t>(SendMessageW(log, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
     text.resize(static_cast<size_t>(SendMessageW(log, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
     return text;
