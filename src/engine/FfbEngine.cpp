@@ -1,8 +1,6 @@
 #include "engine/FfbEngine.h"
 
 #include "engine/CrashProtection.h"
-#include "engine/EngineLoop.h"
-#include "engine/EnginePlatform.h"
 #include "engine/RecordingHook.h"
 #include "profiles/CarCatalogue.h"
 
@@ -69,10 +67,6 @@ EngineStatus FfbEngine::CopyStatus() {
         copy = status;  // the texts fit the room reserved above
     }
     return copy;
-}
-
-void FfbEngine::Start(const EngineSettings& current, WindowHandle window, DeviceGuid device) {
-    StartWith<EnginePlatform>(current, window, device);
 }
 
 void FfbEngine::Stop() {

@@ -1,8 +1,10 @@
 #pragma once
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
-#include "wheel/WheelOutput.h"
+#include "platform/WindowHandle.h"
+#include "wheel/DeviceGuid.h"
 
 namespace veltor::replay {
 
@@ -13,11 +15,24 @@ struct ForceRow {
     int32_t force;
 };
 
+// The engine's wheel in an offline run: the atomics the engine stores to, and no device; never opened, so
+// the programs that run the engine offline link no DirectInput.
+struct ReplayWheel {
+    std::atomic<int32_t> commandedForce{0};
+    std::atomic<int32_t> dampingPercent{0};
+    std::atomic<bool> lockDamping{false};
+    std::atomic<bool> outputEnabled{false};
+    std::atomic<int32_t> lastError{0};
+    std::atomic<uint32_t> errorCount{0};
+    bool Open(WindowHandle, const DeviceGuid*) { return false; }
+    void Close() {}
+};
+
 // The engine's platform for an offline run on one thread: a virtual steady clock set per record, waits
 // that return at once, and every force store collected into `rows` (reserved ahead, so a tick does not
 // allocate).
 struct ReplayPlatform {
-    using Wheel = WheelOutput;  // never opened: the replay only stores to its atomics
+    using Wheel = ReplayWheel;
 
     static inline int64_t virtualNow = 0;           // ns
     static inline int32_t currentFrame = 0;

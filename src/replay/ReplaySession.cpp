@@ -62,7 +62,7 @@ bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, Ib
     result.rows.clear();
     result.rows.reserve(static_cast<size_t>(image.recordCount) * kMaxOutputsPerRecord);
     ReplayPlatform::rows = &result.rows;
-    WheelOutput wheel;
+    ReplayWheel wheel;
     EngineLoop<ReplayPlatform> loop(engine, wheel);
     loop.connected = true;
     loop.carPath = identity.carPath;
