@@ -54,8 +54,9 @@ HWND CreateButton(HWND parent, HINSTANCE instance, int32_t id, const wchar_t* te
     return button;
 }
 
+// Hidden until a recording is open (UpdateButtons).
 HWND CreateSlider(HWND parent, HINSTANCE instance, int32_t id, SliderRow& row, const LayoutRect& rect) {
-    row.Control = CreateWindowExW(0, kSliderClass, L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, rect.left, rect.top,
+    row.Control = CreateWindowExW(0, kSliderClass, L"", WS_CHILD | WS_TABSTOP, rect.left, rect.top,
                                   rect.right - rect.left, rect.bottom - rect.top, parent,
                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, &row);
     return row.Control;
@@ -325,6 +326,7 @@ void AnalyzerWindow::ChooseFile() {
 // The advice goes through a file in the temporary folder to Gripline beside us: a running Gripline takes it
 // from the new start by its single-instance hand-off, or the new start is Gripline, with the advice applied.
 void AnalyzerWindow::ApplyToGripline() {
+    if (!Loaded || !HasAdviceToApply(File.advice)) return;  // a click that beat the button's disabling
     const std::wstring gripline = Folder(ExecutablePath()) + L"\\" + kGriplineExe;
     if (GetFileAttributesW(gripline.c_str()) == INVALID_FILE_ATTRIBUTES) {
         SetStatus(L"Gripline.exe was not found next to the analyzer.", true);
@@ -348,6 +350,7 @@ void AnalyzerWindow::ApplyToGripline() {
 }
 
 void AnalyzerWindow::SaveAdviceAs() {
+    if (!Loaded || !HasAdviceToApply(File.advice)) return;
     std::wstring proposed = L"Veltor_advice_" + DecodeIniBytes(File.advice.car.empty() ? "generic" : File.advice.car) + L".ini";
     wchar_t path[MAX_PATH] = {};
     proposed.copy(path, MAX_PATH - 1);
