@@ -10,7 +10,8 @@ namespace veltor::analyzer {
 TimeWindow VisibleWindow(double durationSeconds, int32_t spanPercent, int32_t positionPerMille) {
     const double duration = std::max(0.0, durationSeconds);
     const double span = duration * std::clamp(spanPercent, kSpanPercentLowest, kSpanPercentHighest) / 100.0;
-    const double from = (duration - span) * std::clamp(positionPerMille, 0, kPositionHighest) / kPositionHighest;
+    // Not below 0: the span of the whole recording may come out a rounding above its duration.
+    const double from = std::max(0.0, (duration - span) * std::clamp(positionPerMille, 0, kPositionHighest) / kPositionHighest);
     return {from, from + span};
 }
 
