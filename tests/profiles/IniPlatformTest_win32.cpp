@@ -61,13 +61,16 @@ void ExpectSameReads(const std::wstring& path, const IniDocument& ours) {
     for (const auto& [section, key] : kUnwritten) compare(section, key);
 }
 
+// Over our awkward file, and over a file the platform starts itself (in its 8-bit code page).
 TEST(IniPlatform, FilesThePlatformWritesReadTheSameThroughOurDocument) {
-    test::ProfileStoreFolder folder;
-    folder.Write(EncodeIniText(kAwkwardFile));
-    for (const Write& write : kWrites) {
-        ASSERT_TRUE(WritePrivateProfileStringW(write.section, write.key, write.value, folder.IniPath().c_str()));
+    for (const bool fromNothing : {false, true}) {
+        test::ProfileStoreFolder folder;
+        if (!fromNothing) folder.Write(EncodeIniText(kAwkwardFile));
+        for (const Write& write : kWrites) {
+            ASSERT_TRUE(WritePrivateProfileStringW(write.section, write.key, write.value, folder.IniPath().c_str()));
+        }
+        ExpectSameReads(folder.IniPath(), IniDocument::Parse(DecodeIniBytes(folder.Read())));
     }
-    ExpectSameReads(folder.IniPath(), IniDocument::Parse(DecodeIniBytes(folder.Read())));
 }
 
 TEST(IniPlatform, FilesWeWriteReadTheSameThroughThePlatformAndGiveBackEveryValue) {
