@@ -1,4 +1,5 @@
-// "Veltor Commercial Analyzer.exe" started as a script starts it: its output redirected to a file.
+// "Veltor Commercial Analyzer.exe" started as a script starts it, its output redirected to a file, and as a
+// user starts it on a file that is no recording.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -8,6 +9,9 @@
 
 #include "AnalyzerTestFiles.h"
 #include "ChildProcess_win32.h"
+#include "ProgramWindow_win32.h"
+#include "analyzer/AnalyzerLayout.h"
+#include "analyzer/AnalyzerWindow.h"
 
 namespace {
 
@@ -57,6 +61,26 @@ TEST(AnalyzerProgram, PrintsToARedirectedOutputAndEndsWithItsExitCode) {
     const Finished usage = RunAnalyzerProgram(L"--report", folder.path / "usage");
     EXPECT_EQ(usage.exitCode, 1u);
     EXPECT_NE(usage.output.find("--report takes one file\nusage:"), std::string::npos) << usage.output;
+}
+
+// The window stays empty and says why; nothing to apply or save, and it closes with exit code 0.
+TEST(AnalyzerProgram, AFileThatIsNoRecordingShowsWhyInAnEmptyWindow) {
+    veltor::test::TempFolder folder;
+    const fs::path junk = folder.path / "junk.vtrrec";
+    std::ofstream(junk, std::ios::binary) << "not a recording";
+    veltor::test::Process analyzer(veltor::test::ProgramPath(VELTOR_ANALYZER_PATH), L"\"" + junk.wstring() + L"\"");
+    HWND window = nullptr;
+    const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
+    while ((window == nullptr || !veltor::test::IsPainted(window)) && GetTickCount64() < until) {
+        Sleep(20);
+        window = FindWindowW(veltor::analyzer::kAnalyzerWindowClass, nullptr);
+    }
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(veltor::test::WindowText(window), veltor::analyzer::kAnalyzerTitle);
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(window, veltor::analyzer::kApplyButtonId)));
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(window, veltor::analyzer::kSaveAdviceButtonId)));
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(analyzer.WaitForExit(), 0);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-// A driving session as a user has it, in three programs under Wine: our simulator playing its synthetic
+// A driving session as a user has it, in four programs under Wine: our simulator playing its synthetic
 // drive from the last part of its lap (on track, a freeze, into the pits and off the track at 12 s, then
-// another car and driver), the real Gripline.exe with the virtual
-// wheel beside it (which loses input once after each opening), and this test at the controls. The tests of
-// this suite follow each other through one run of the program.
+// another car and driver), the real Gripline.exe with the virtual wheel (which loses input once after each
+// opening) and the analyzer beside it, and this test at the controls. The tests of this suite follow each
+// other through one run of the program.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -14,7 +14,11 @@
 
 #include "ChildProcess_win32.h"
 #include "RunningProgram_win32.h"
+#include "SaveDialog_win32.h"
 #include "Screenshot_win32.h"
+#include "analyzer/Advice.h"
+#include "analyzer/AnalyzerLayout.h"
+#include "analyzer/AnalyzerWindow.h"
 #include "recording/RecordingHeader.h"
 
 namespace veltor::test {
@@ -24,6 +28,7 @@ constexpr wchar_t kSimulatorOptions[] = L" --seconds 240 --quiet --lap-offset 44
 constexpr wchar_t kWheelFaults[] = L"SetParameters=INPUTLOST@4500+300";
 constexpr wchar_t kInputLost[] = L"DirectInput FFB error: 0x8007001E (DIERR_INPUTLOST)\r\n";
 constexpr wchar_t kFromProfile[] = L"Using driver profile settings for this car.\r\n";
+constexpr uint64_t kRecordsForAdvice = 700;  // past the 600 that the analyzer's advice needs
 
 // The first two texts of the status strip, measured as the rightmost bright pixel of each in a screenshot:
 // "iRacing connected" and "On track" are narrower than "iRacing disconnected" and "Not on track".
@@ -39,22 +44,35 @@ bool MeasureStrip(HWND window, const char* name, StripWidths& widths) {
     return true;
 }
 
-// The file name box of the save dialog: an edit inside the combo box 1148.
-HWND FileNameEdit(HWND dialog) {
-    struct Search {
-        HWND found = nullptr;
-    } search;
-    EnumChildWindows(
-        dialog,
-        [](HWND child, LPARAM context) -> BOOL {
-            wchar_t name[16] = {};
-            GetClassNameW(child, name, 16);
-            if (GetDlgCtrlID(child) != 1148 || std::wstring(name) != L"Edit") return TRUE;
-            reinterpret_cast<Search*>(context)->found = child;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+// The analyzer's window once painted with `titlePart` in its title (its title names the file it shows).
+HWND PaintedAnalyzer(const std::wstring& titlePart) {
+    const ULONGLONG until = GetTickCount64() + kWindowTimeoutMs;
+    do {
+        HWND found = FindWindowW(analyzer::kAnalyzerWindowClass, nullptr);
+        if (found != nullptr && IsPainted(found) && WindowText(found).find(titlePart) != std::wstring::npos) return found;
+        Sleep(20);
+    } while (GetTickCount64() < until);
+    return nullptr;
+}
+
+bool CloseAnalyzer(HWND analyzer) {
+    PostMessageW(analyzer, WM_CLOSE, 0, 0);
+    const ULONGLONG until = GetTickCount64() + kWindowTimeoutMs;
+    while (IsWindow(analyzer) && GetTickCount64() < until) Sleep(20);
+    return !IsWindow(analyzer);
+}
+
+// Pixels near `colour` inside a rectangle of the analyzer's client area.
+int CountNear(const Screenshot& shot, const analyzer::LayoutRect& area, COLORREF colour) {
+    int count = 0;
+    for (LONG y = area.top; y < area.bottom; ++y) {
+        for (LONG x = area.left; x < area.right; ++x) {
+            const COLORREF c = shot.At(x, y);
+            count += std::abs(GetRValue(c) - GetRValue(colour)) + std::abs(GetGValue(c) - GetGValue(colour)) +
+                             std::abs(GetBValue(c) - GetBValue(colour)) < 60;
+        }
+    }
+    return count;
 }
 
 class DrivingSession : public ::testing::Test {
@@ -63,8 +81,7 @@ protected:
         program = new RunningProgram(VELTOR_GRIPLINE_EXE);
         const std::wstring& folder = program->folder.Path;
         CopyFileW(WindowsPath(VELTOR_VIRTUAL_WHEEL_DLL).c_str(), (folder + L"\\dinput8.dll").c_str(), FALSE);
-        CopyFileW(WindowsPath(VELTOR_ANALYZER_PROBE_EXE).c_str(), (folder + L"\\Veltor Commercial Analyzer.exe").c_str(),
-                  FALSE);
+        CopyFileW(WindowsPath(VELTOR_ANALYZER_EXE).c_str(), (folder + L"\\Veltor Commercial Analyzer.exe").c_str(), FALSE);
         SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", (folder + L"\\wheel.log").c_str());
         SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", kWheelFaults);
         started = program->Start() && MeasureStrip(program->window, "session-before", before);
@@ -77,36 +94,12 @@ protected:
     }
     void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
 
-    // What the stand-in analyzer was started with, once it has run.
-    static std::wstring Arguments() {
-        const std::wstring path = program->folder.Path + L"\\analyzer-arguments.txt";
-        if (!program->WaitUntil([&] { return FileExists(path); })) return L"(not started)";
-        const std::wstring text = Utf16FileText(path);
-        DeleteFileW(path.c_str());
-        return text;
-    }
-
     // Presses Record and answers the save dialog with a file in the program's folder, or cancels it for an
     // empty name. The proposed name comes back in `proposed`.
     static bool RecordTo(const std::wstring& name, std::wstring& proposed) {
         program->Press(1124);
-        HWND dialog = nullptr;
-        HWND fileName = nullptr;
-        const bool shown = program->WaitUntil([&] {
-            dialog = FindProcessWindow(program->process->info.dwProcessId, L"#32770");
-            fileName = dialog != nullptr ? FileNameEdit(dialog) : nullptr;
-            return fileName != nullptr && IsWindowVisible(dialog);
-        });
-        if (!shown) return false;
-        proposed = WindowText(fileName);
-        if (name.empty()) {
-            PostMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
-            return program->WaitUntil([&] { return !IsWindow(dialog); });
-        }
-        const std::wstring path = program->folder.Path + L"\\" + name;
-        SendMessageW(fileName, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-        PostMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
-        return program->WaitUntil([&] { return !IsWindow(dialog); });
+        return AnswerFileDialog(program->process->info.dwProcessId,
+                                name.empty() ? name : program->folder.Path + L"\\" + name, &proposed);
     }
 
     static bool ReadHeader(const std::wstring& name, RecordingHeader& header) {
@@ -128,13 +121,19 @@ protected:
     static inline bool started = false;
     static inline StripWidths before;
     static inline size_t firstRunEnd = 0;  // the log's length when the first run of the engine had ended
+    static inline analyzer::Advice advised;  // what the analyzer proposed for the second recording
+    static inline analyzer::AdviceKey untickedKey = analyzer::AdviceKey::ForceStrength;  // none when it stays so
 };
 
 TEST_F(DrivingSession, TheWheelIsListedAndTheAnalyzerStartsWithoutARecording) {
     EXPECT_TRUE(program->WaitForLog({L"Force feedback devices found.\r\n"}));
     EXPECT_EQ(program->Text(1000), L"Veltor Virtual Wheel");
     program->Press(1126);
-    EXPECT_EQ(Arguments(), L"");
+    HWND analyzer = PaintedAnalyzer(analyzer::kAnalyzerTitle);
+    ASSERT_NE(analyzer, nullptr);
+    EXPECT_EQ(WindowText(analyzer), analyzer::kAnalyzerTitle) << "no file given";
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(analyzer, analyzer::kApplyButtonId)));
+    EXPECT_TRUE(CloseAnalyzer(analyzer));
 }
 
 TEST_F(DrivingSession, StartRunsTheEngineOnTheSimulatorAndTheStripFollowsIt) {
@@ -226,12 +225,17 @@ TEST_F(DrivingSession, StopWhileRecordingSavesTheRecordingFirstAndTheStintIsRepo
     EXPECT_EQ(header.wheelbaseMaxTorque, 7.5f);
 }
 
-TEST_F(DrivingSession, TheAnalyzerGetsTheLastRecording) {
+TEST_F(DrivingSession, TheAnalyzerOpensTheLastRecording) {
     program->Press(1126);
-    EXPECT_EQ(Arguments(), program->folder.Path + L"\\first session.vtrrec\n");
+    HWND analyzer = PaintedAnalyzer(L" - first session.vtrrec");
+    ASSERT_NE(analyzer, nullptr);
+    EXPECT_TRUE(CloseAnalyzer(analyzer));
 }
 
 TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEngineRunning) {
+    // The weakest force for the second car, so that the analyzer has a stronger one to propose below.
+    program->Key(1101, VK_HOME);
+    ASSERT_TRUE(program->WaitUntil([] { return program->ValueText(1101) == L"0%"; }));
     // Start clears the stamps: the failure count that the engine still shows comes out again at once.
     program->Press(1001);
     EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", kInputLost}, firstRunEnd)) << program->Log();
@@ -247,10 +251,52 @@ TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEn
     const std::wstring log = program->Log();
     const std::wstring meanwhile = log.substr(beforeCancel, log.find(L"Telemetry recording started.", beforeCancel) - beforeCancel);
     EXPECT_EQ(meanwhile.find(L"recording"), std::wstring::npos) << meanwhile;
+    const std::wstring recording = program->folder.Path + L"\\second session.vtrrec";
+    ASSERT_TRUE(program->WaitUntil([&] {
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        return GetFileAttributesExW(recording.c_str(), GetFileExInfoStandard, &data) &&
+               data.nFileSizeLow >= kRecordingHeaderSize + kRecordsForAdvice * kRecordingSampleSize;
+    }));
     program->Press(1125);
     EXPECT_TRUE(program->WaitForLog({L"Telemetry recording saved"}, firstRunEnd));
     EXPECT_EQ(ButtonStates(), (Buttons{false, true, true, false, true}));
     EXPECT_EQ(program->Text(1124), L"Record");
+}
+
+// The analyzer over the second recording, read back as a user sees it; its advice, where it proposes several
+// values with the last one unticked, reaches the running program (and the INI, below).
+TEST_F(DrivingSession, TheAnalyzersAdviceReachesTheRunningProgram) {
+    analyzer::Recording read;
+    std::string error;
+    ASSERT_TRUE(analyzer::LoadRecording(program->folder.Path + L"\\second session.vtrrec", read, error)) << error;
+    advised = analyzer::BuildAdvice(read, analyzer::AnalyseRecording(read));
+    ASSERT_TRUE(advised.rows[0].advised) << advised.rows[0].reason;  // the force strength
+
+    program->Press(1126);
+    HWND window = PaintedAnalyzer(L" - second session.vtrrec");
+    ASSERT_NE(window, nullptr);
+    Screenshot shot(VELTOR_ARTEFACT_DIR);
+    ASSERT_TRUE(shot.Take(window, "analyzer-window"));
+    std::printf("analyzer window: %s\n", shot.png.c_str());
+    EXPECT_GT(CountNear(shot, analyzer::kForcePlotArea, RGB(0x1C, 0x8E, 0xEC)), 300) << "the force's trace";
+    EXPECT_GT(CountNear(shot, analyzer::kHistogramArea, RGB(0x1C, 0x8E, 0xEC)), 300) << "the spread's bars";
+    EXPECT_GT(CountNear(shot, analyzer::kGripPlotArea, RGB(0x50, 0xC8, 0x8C)), 100) << "the understeer load's trace";
+
+    int boxes = 0;
+    for (const analyzer::AdviceRow& row : advised.rows) boxes += row.advised ? 1 : 0;
+    EXPECT_NE(GetDlgItem(window, analyzer::kFirstApplyCheckId + boxes - 1), nullptr);
+    EXPECT_EQ(GetDlgItem(window, analyzer::kFirstApplyCheckId + boxes), nullptr);
+    if (boxes > 1) {
+        SendMessageW(GetDlgItem(window, analyzer::kFirstApplyCheckId + boxes - 1), WM_LBUTTONUP, 0, 0);
+        for (analyzer::AdviceRow& row : advised.rows) untickedKey = row.advised ? row.key : untickedKey;
+    }
+    ASSERT_TRUE(IsWindowEnabled(GetDlgItem(window, analyzer::kApplyButtonId)));
+    PostMessageW(GetDlgItem(window, analyzer::kApplyButtonId), BM_CLICK, 0, 0);
+    EXPECT_TRUE(program->WaitForLog({L"Analyzer advice applied to profile Default for car porsche992rgt3.\r\n"},
+                                    firstRunEnd))
+        << program->Log();
+    EXPECT_EQ(program->ValueText(1101), std::to_wstring(static_cast<int>(advised.rows[0].proposed)) + L"%");
+    EXPECT_TRUE(CloseAnalyzer(window));
     program->Press(1002);
     EXPECT_TRUE(program->WaitForLog({L"FFB engine stopped.\r\n"}, firstRunEnd));
 }
@@ -262,6 +308,12 @@ TEST_F(DrivingSession, ClosingSavesTheDriversTheCarsAndTheTorque) {
          {L"[DriverIdentity]", L"424242=Synthetic Driver", L"515151=Second Driver", L"[CarProfile0_bmwm4gt3]",
           L"Damping=100", L"[CarProfile0_porsche992rgt3]", L"ForceStrength=100", L"ForceStrength=5000", L"WheelbaseMaxTorqueTenths=75"}) {
         EXPECT_NE(ini.find(expected), std::wstring::npos) << std::string(expected, expected + wcslen(expected));
+    }
+    const std::wstring advisedStrength = L"ForceStrength=" + std::to_wstring(static_cast<int>(advised.rows[0].proposed));
+    EXPECT_NE(ini.find(advisedStrength, ini.find(L"[CarProfile0_porsche992rgt3]")), std::wstring::npos);
+    // The steering build-up, unticked, left the car without an override.
+    if (untickedKey == analyzer::AdviceKey::YawRateMultiplier) {
+        EXPECT_EQ(ini.find(L"[Coefficient0]"), std::wstring::npos);
     }
 }
 
