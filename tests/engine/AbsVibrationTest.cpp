@@ -41,28 +41,5 @@ TEST(FillAbsVibration, ThirtyFiveHertzSineContinuesAcrossTicks) {
     }
 }
 
-// Without ABS or with the slider at 0 the outputs stay zero and the phase starts again from 0.
-TEST(FillAbsVibration, RestartsFromPhaseZeroWhenAbsGoesOffAndOn) {
-    EngineSettings s;
-    TelemetryFrame frame;
-    frame.brakeAbsActive = 1;
-    float phase = 0.0f;
-    float first[kMaxOutputsPerTick] = {};
-    FillAbsVibration(frame, s, false, 6, phase, first);
-    for (const int32_t percent : {15, 0}) {
-        s.AbsVibration = percent;
-        frame.brakeAbsActive = percent == 0 ? 1 : 0;
-        float off[kMaxOutputsPerTick] = {};
-        FillAbsVibration(frame, s, false, 6, phase, off);
-        EXPECT_EQ(phase, 0.0f);
-        for (const float v : off) EXPECT_EQ(v, 0.0f);
-    }
-    s.AbsVibration = 15;
-    frame.brakeAbsActive = 1;
-    float again[kMaxOutputsPerTick] = {};
-    FillAbsVibration(frame, s, false, 6, phase, again);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(again[i], first[i]);
-}
-
 }  // namespace
 }  // namespace veltor

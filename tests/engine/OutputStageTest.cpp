@@ -9,19 +9,6 @@
 namespace veltor {
 namespace {
 
-EngineSettings WithStrength(int32_t strength) {
-    EngineSettings s;
-    s.ForceStrength = strength;
-    return s;
-}
-
-EngineSettings WithMinForce(int32_t minForce, bool reduceWhenParked = true) {
-    EngineSettings s;
-    s.MinForce = minForce;
-    s.ReduceForceWhenParked = reduceWhenParked;
-    return s;
-}
-
 // Full scale of each strength maps to 10000; truncation toward zero, no clamp; zero for no strength or NaN.
 TEST(ToOutputUnits, TruncatesTowardZeroAtTheStrengthsFullScale) {
     struct Case {
@@ -32,14 +19,15 @@ TEST(ToOutputUnits, TruncatesTowardZeroAtTheStrengthsFullScale) {
     const Case cases[] = {{20.0f, 100, 10000}, {40.0f, 50, 10000},  {80.0f, 25, 10000},    {-40.0f, 50, -10000},
                           {1.23f, 50, 307},    {-1.23f, 50, -307},  {-0.00399f, 50, 0},    {60.0f, 50, 15000},
                           {35.0f, 0, 0},       {35.0f, -5, 0},      {std::numeric_limits<float>::quiet_NaN(), 50, 0}};
+    EngineSettings s;
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.torque << " Nm at strength " << c.strength);
-        EXPECT_EQ(ToOutputUnits(c.torque, WithStrength(c.strength)), c.units);
+        s.ForceStrength = c.strength;
+        EXPECT_EQ(ToOutputUnits(c.torque, s), c.units) << c.torque << " Nm at strength " << c.strength;
     }
-    EXPECT_FLOAT_EQ(FullScaleTorque(WithStrength(50)), 40.0f);
-    EXPECT_FLOAT_EQ(FullScaleTorque(WithStrength(0)), 2000.0f);
-    EXPECT_GT(ToOutputUnits(1e30f, WithStrength(50)), 9996);
-    EXPECT_LT(ToOutputUnits(-1e30f, WithStrength(50)), -9996);
+    s.ForceStrength = 0;
+    EXPECT_FLOAT_EQ(FullScaleTorque(s), 2000.0f);  // as for strength 1
+    EXPECT_GT(ToOutputUnits(1e30f, EngineSettings{}), 9996);
+    EXPECT_LT(ToOutputUnits(-1e30f, EngineSettings{}), -9996);
 }
 
 // Parked reduction quarters toward zero and skips the curve; the curve raises small forces up to the knee.
@@ -60,26 +48,10 @@ TEST(ShapeOutput, ParkedReductionAndLowForceCurve) {
         {500, false, 5, true, 563},                                   // 562.5 rounds away from zero
         {-500, false, 5, true, -563}, {0, false, 20, true, 0},      {1234, false, 0, true, 1234}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.value << (c.parked ? " parked" : "") << " MinForce " << c.minForce);
-        EXPECT_EQ(ShapeOutput(c.value, c.parked, WithMinForce(c.minForce, c.reduceWhenParked)), c.shaped);
-    }
-}
-
-TEST(ShapeOutput, CurveNeverLowersAForceAndMeetsTheInputAtTheKnee) {
-    const int32_t knees[][2] = {{1, 500}, {4, 800}, {5, 1000}, {10, 2000}, {20, 4000}};
-    for (const auto& [minForce, knee] : knees) {
-        int32_t previous = 0;
-        for (int32_t v = 1; v <= knee + 10; ++v) {
-            const int32_t shaped = ShapeOutput(v, false, WithMinForce(minForce));
-            ASSERT_GE(shaped, v) << "MinForce " << minForce << " value " << v;
-            ASSERT_GE(shaped, previous) << "MinForce " << minForce << " value " << v;
-            if (v < knee) {
-                ASSERT_LE(shaped, knee) << "MinForce " << minForce << " value " << v;
-            } else {
-                ASSERT_EQ(shaped, v);
-            }
-            previous = shaped;
-        }
+        EngineSettings s;
+        s.MinForce = c.minForce;
+        s.ReduceForceWhenParked = c.reduceWhenParked;
+        EXPECT_EQ(ShapeOutput(c.value, c.parked, s), c.shaped) << c.value << (c.parked ? " parked" : " ") << c.minForce;
     }
 }
 
@@ -98,56 +70,41 @@ float TorqueForUnits(int32_t units) {
     return torque;
 }
 
-// 9996 is handed over as it is; above it the value is clipped and counted. Each output stores at its index.
-TEST(EmitForce, HandsOver9996UnclippedAndClipsAboveIt) {
-    auto harness = std::make_unique<TickHarness>();
-    harness->Run(SteadyFrame(TorqueForUnits(9996)));
-    ASSERT_EQ(TickPlatform::storeCount, 6);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(TickPlatform::storedIndex[i], i);
-    EXPECT_EQ(TickPlatform::storedValue[5], 9996);
-    EXPECT_EQ(harness->engine.clipOver, 0);
-    harness->Run(SteadyFrame(TorqueForUnits(9997)));
-    EXPECT_EQ(TickPlatform::storedValue[5], 9996);
-    harness->Run(SteadyFrame(-TorqueForUnits(20000)));
-    EXPECT_EQ(harness->wheel.commandedForce.load(), -9996);
-    EXPECT_EQ(harness->engine.clipSamples, 18);
-    EXPECT_EQ(harness->engine.clipOver, 12);
-}
-
-// A stint's reports at the first frame off track. Clipping is measured before the parked quarter and the
-// low-force curve; a strength of 0 still reports its samples; a stint past the lock has no output at all.
+// A stint's reports at the first frame off track. 9996 is handed over unclipped, anything beyond it is
+// clipped and counted, before the parked quarter and the low-force curve; a strength of 0 still reports its
+// samples.
 TEST(EmitForce, AStintReportsItsClippedShareSamplesAndPeak) {
     const struct {
         const char* what;
         std::vector<int32_t> ticks;  // output units of each tick's six outputs
-        float speed, angle;
+        float speed;
         int32_t strength;
         float clipped;
         uint32_t samples, nonZero;
         int32_t peak;
     } cases[] = {
-        {"one clipped tick in four", {12000, 250, 250, 250}, 3.0f, 0.0f, 50, 25.0f, 24, 24, 9996},
-        {"parked: clipped, a quarter handed over", {12000}, 1.0f, 0.0f, 50, 100.0f, 6, 6, 2499},
-        {"strength 0", {4000, 4000}, 3.0f, 0.0f, 0, 0.0f, 12, 0, 0},
-        {"past the lock", {4000, 4000}, 3.0f, 5.0f, 50, 0.0f, 0, 0, 0},
+        {"9996 unclipped, 9997 clipped", {9996, 9997}, 3.0f, 50, 50.0f, 12, 12, 9996},
+        {"clipped against the force", {-20000}, 3.0f, 50, 100.0f, 6, 6, 9996},
+        {"one clipped tick in four", {12000, 250, 250, 250}, 3.0f, 50, 25.0f, 24, 24, 9996},
+        {"parked: clipped, a quarter handed over", {12000}, 1.0f, 50, 100.0f, 6, 6, 2499},
+        {"strength 0", {4000, 4000}, 3.0f, 0, 0.0f, 12, 0, 0},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         auto harness = std::make_unique<TickHarness>();
         harness->engine.settings.ForceStrength = c.strength;
         for (const int32_t units : c.ticks) {
-            TelemetryFrame frame = SteadyFrame(TorqueForUnits(units), c.speed);
-            frame.steeringWheelAngle = c.angle;
-            harness->Run(frame);
+            harness->Run(SteadyFrame(units < 0 ? -TorqueForUnits(-units) : TorqueForUnits(units), c.speed));
         }
         harness->Run(TelemetryFrame{});
         const EngineStatus status = harness->engine.CopyStatus();
-        EXPECT_EQ(status.clipReportCount, 1u) << c.what;
-        EXPECT_FLOAT_EQ(status.clippedPercent, c.clipped) << c.what;
-        EXPECT_EQ(status.outputReportSamples, c.samples) << c.what;
-        EXPECT_EQ(status.outputReportNonZero, c.nonZero) << c.what;
-        EXPECT_EQ(status.outputReportPeak, c.peak) << c.what;
-        EXPECT_EQ(harness->engine.clipSamples + harness->engine.outSamples + harness->engine.outPeak, 0) << c.what;
-        EXPECT_EQ(harness->wheel.commandedForce.load(), 0) << c.what;
+        EXPECT_EQ(status.clipReportCount, 1u);
+        EXPECT_FLOAT_EQ(status.clippedPercent, c.clipped);
+        EXPECT_EQ(status.outputReportSamples, c.samples);
+        EXPECT_EQ(status.outputReportNonZero, c.nonZero);
+        EXPECT_EQ(status.outputReportPeak, c.peak);
+        EXPECT_EQ(harness->engine.clipSamples + harness->engine.outSamples + harness->engine.outPeak, 0);
+        EXPECT_EQ(harness->wheel.commandedForce.load(), 0);
     }
 }
 
@@ -157,30 +114,21 @@ TEST(EmitForce, RepeatsAndTheLockStopStayOutOfTheStatistics) {
     auto harness = std::make_unique<TickHarness>();
     harness->Run(SteadyFrame(5.0f));
     harness->Run(SteadyFrame(9.0f), true);
-    EXPECT_EQ(TickPlatform::storeCount, 0);
+    EXPECT_TRUE(SteppedPlatform::stores.empty());
     TelemetryFrame frame = SteadyFrame(5.0f, 30.0f);
     frame.steeringWheelAngle = 5.0f;  // past half of 8 rad by more than 15 degrees
     frame.latAccel = 100.0f;          // a crash hit now would start a hold
     harness->engine.settings.Damping = 40;
     harness->Run(frame);
-    ASSERT_EQ(TickPlatform::storeCount, 1);
-    EXPECT_EQ(TickPlatform::storedIndex[0], -1);
-    EXPECT_EQ(TickPlatform::storedValue[0], -9996);
+    const std::vector<StoredForce>& stores = SteppedPlatform::stores;
+    ASSERT_EQ(stores.size(), 1u);
+    EXPECT_EQ(stores[0].outputIndex, -1);
+    EXPECT_EQ(stores[0].value, -9996);
     EXPECT_EQ(harness->engine.outSamples, 6);
     EXPECT_EQ(harness->engine.clipSamples, 6);
     EXPECT_EQ(harness->engine.crashHoldUntil, 0);
     EXPECT_EQ(harness->wheel.dampingPercent.load(), 40);
     EXPECT_TRUE(harness->wheel.lockDamping.load());
-}
-
-TEST(EmitForce, CrashGainScalesEveryOutputOfTheTick) {
-    auto harness = std::make_unique<TickHarness>();
-    TelemetryFrame frame = SteadyFrame(TorqueForUnits(8000), 30.0f);
-    frame.longAccel = 70.0f;  // above 6 g
-    harness->engine.settings.UndersteerResistance = 0;
-    harness->engine.settings.OversteerCorrection = 0;
-    harness->Run(frame);
-    for (int i = 0; i < 6; ++i) EXPECT_NEAR(TickPlatform::storedValue[i], 400, 1) << i;  // 5 percent
 }
 
 }  // namespace

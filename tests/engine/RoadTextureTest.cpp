@@ -23,12 +23,14 @@ TEST(ComputeTexture, BlendsRoadAndImpactByTheSizeOfTheMovement) {
         EngineSettings s;
         s.Bumps = c.bumps;
         s.BumpImpacts = c.impacts;
-        EXPECT_NEAR(ComputeTexture(c.movement, s), c.texture, c.tolerance) << c.movement << " " << c.bumps << "/" << c.impacts;
+        EXPECT_NEAR(ComputeTexture(c.movement, s), c.texture, c.tolerance)
+            << c.movement << " " << c.bumps << "/" << c.impacts;
     }
 }
 
 // Front shocks: left movement minus right; the first sample compares with the previous frame's newest;
-// samples beyond the count repeat the last movement; the centre shock when the sides are missing.
+// samples beyond the count repeat the last movement; the centre shock when the sides are missing. Nothing
+// without a previous frame, below walking speed, in reverse, or with both sliders off.
 TEST(SubSampleTexture, FollowsTheFrontShocksMovementPerSubSample) {
     const std::vector<float> rising = {0.001f, 0.002f, 0.003f, 0.004f, 0.005f, 0.006f};
     const std::vector<float> flat(6, 0.0f);
@@ -38,6 +40,8 @@ TEST(SubSampleTexture, FollowsTheFrontShocksMovementPerSubSample) {
         float previousLeft, previousCentre;
         int sample;
         float texture;
+        float speed = 20.0f;
+        bool previous = true, sliders = true;
     } cases[] = {
         {"left rises", rising, flat, {}, 0.0f, 0.0f, 3, 0.64f},
         {"right rises", flat, rising, {}, 0.0f, 0.0f, 2, -0.64f},
@@ -47,40 +51,27 @@ TEST(SubSampleTexture, FollowsTheFrontShocksMovementPerSubSample) {
         {"centre, first", {}, {}, {0.001f, 0.003f, 0.002f}, 0.0f, 0.002f, 0, -0.64f},
         {"centre, beyond the count", {}, {}, {0.001f, 0.003f, 0.002f}, 0.0f, 0.0f, 4, -0.64f},
         {"no shocks", {}, {}, {}, 0.0f, 0.0f, 0, 0.0f},
+        {"no previous frame", rising, flat, {}, 0.0f, 0.0f, 3, 0.0f, 20.0f, false},
+        {"walking speed", rising, flat, {}, 0.0f, 0.0f, 3, 0.0f, 2.0f},
+        {"reversing", rising, flat, {}, 0.0f, 0.0f, 3, 0.0f, -20.0f},
+        {"both sliders off", rising, flat, {}, 0.0f, 0.0f, 3, 0.0f, 20.0f, true, false},
     };
     for (const auto& c : cases) {
         TelemetryFrame frame;
         frame.valid = 1;
-        frame.speed = 20.0f;
+        frame.speed = c.speed;
         frame.shockSampleCount = static_cast<int32_t>(c.left.size());
         frame.cfShockSampleCount = static_cast<int32_t>(c.centre.size());
         std::copy(c.left.begin(), c.left.end(), frame.lfShockDeflSamples);
         std::copy(c.right.begin(), c.right.end(), frame.rfShockDeflSamples);
         std::copy(c.centre.begin(), c.centre.end(), frame.cfShockDeflSamples);
         TelemetryFrame previous;
-        previous.valid = 1;
+        previous.valid = c.previous ? 1 : 0;
         previous.lfShockDefl = c.previousLeft;
         previous.cfShockDefl = c.previousCentre;
-        EXPECT_NEAR(SubSampleTexture(frame, previous, c.sample, EngineSettings{}), c.texture, 1e-4f) << c.what;
-    }
-}
-
-TEST(SubSampleTexture, IsZeroWithoutAPreviousFrameAtWalkingSpeedOrWithBothSlidersOff) {
-    TelemetryFrame frame;
-    frame.valid = 1;
-    frame.speed = 20.0f;
-    frame.shockSampleCount = 1;
-    frame.lfShockDeflSamples[0] = 0.004f;
-    TelemetryFrame previous;
-    previous.valid = 1;
-    EngineSettings off;
-    off.Bumps = off.BumpImpacts = 0;
-    EXPECT_GT(SubSampleTexture(frame, previous, 0, EngineSettings{}), 0.0f);
-    EXPECT_EQ(SubSampleTexture(frame, TelemetryFrame{}, 0, EngineSettings{}), 0.0f);
-    EXPECT_EQ(SubSampleTexture(frame, previous, 0, off), 0.0f);
-    for (const float speed : {2.0f, -20.0f}) {
-        frame.speed = speed;
-        EXPECT_EQ(SubSampleTexture(frame, previous, 0, EngineSettings{}), 0.0f) << speed;
+        EngineSettings settings;
+        if (!c.sliders) settings.Bumps = settings.BumpImpacts = 0;
+        EXPECT_NEAR(SubSampleTexture(frame, previous, c.sample, settings), c.texture, 1e-4f) << c.what;
     }
 }
 

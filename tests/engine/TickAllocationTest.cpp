@@ -25,42 +25,37 @@ TelemetryFrame BusyFrame(int i) {
     return frame;
 }
 
-// Half way the car changes to one whose path is longer than the status keeps, and its row is resolved
-// anew against a list of overrides.
-long AllocationsOverTicks(TickHarness& harness, int mode, int ticks) {
-    harness.engine.settings.Mode = mode;
-    harness.engine.PublishOverrides({CarCoefficients{L"rt2000", 41.0f, 0.0f, 80.0f, 1.2f, 0.0f}});
-    std::wstring longCar(kStatusTextCapacity + 45, L'c');
-    harness.Run(BusyFrame(0));  // first tick: the frame's snapshot takes its size
-    const long before = AllocationCount();
-    for (int i = 1; i <= ticks; ++i) {
-        TickPlatform::now += 16666667;
-        if (i == ticks / 2) {
-            harness.loop.carPath.swap(longCar);
-            harness.loop.carRowMemo.valid = false;
-        }
-        harness.Run(BusyFrame(i));
-    }
-    return AllocationCount() - before;
-}
-
-TEST(TickAllocation, TicksInBothModesAllocateNothing) {
-    for (int mode : {0, 1}) {
-        auto harness = std::make_unique<TickHarness>();
-        EXPECT_EQ(AllocationsOverTicks(*harness, mode, 300), 0) << "mode " << mode;
-        EXPECT_GT(harness->engine.outSamples, 0);
-    }
-}
-
-TEST(TickAllocation, TicksWhileRecordingAllocateNothing) {
-    auto harness = std::make_unique<TickHarness>();
+// Both modes, and recording. Half way the car changes to one whose path is longer than the status keeps,
+// and its row is resolved anew against a list of overrides.
+TEST(TickAllocation, TicksAllocateNothingInEitherModeNorWhileRecording) {
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "veltor_tick_allocation.vtrrec";
-    ASSERT_TRUE(harness->engine.recorder.Start(path.wstring(), RecordingHeader{}, 0));
-    EXPECT_EQ(AllocationsOverTicks(*harness, 1, 300), 0);
-    harness->engine.recorder.Stop();
-    EXPECT_EQ(harness->engine.recorder.DroppedSamples(), 0u);
-    EXPECT_EQ(std::filesystem::file_size(path), 380u + 301u * 88u);
-    std::filesystem::remove(path);
+    for (const auto& [mode, recording] : {std::pair{0, false}, std::pair{1, false}, std::pair{1, true}}) {
+        SCOPED_TRACE(testing::Message() << "mode " << mode << (recording ? ", recording" : ""));
+        auto harness = std::make_unique<TickHarness>();
+        harness->engine.settings.Mode = mode;
+        harness->engine.PublishOverrides({CarCoefficients{L"rt2000", 41.0f, 0.0f, 80.0f, 1.2f, 0.0f}});
+        if (recording) {
+            ASSERT_TRUE(harness->engine.recorder.Start(path.wstring(), RecordingHeader{}, 0));
+        }
+        std::wstring longCar(kStatusTextCapacity + 45, L'c');
+        harness->Run(BusyFrame(0));  // first tick: the frame's snapshot and the force log take their size
+        const long before = AllocationCount();
+        for (int i = 1; i <= 300; ++i) {
+            SteppedPlatform::now += 16666667;
+            if (i == 150) {
+                harness->loop.carPath.swap(longCar);
+                harness->loop.carRowMemo.valid = false;
+            }
+            harness->Run(BusyFrame(i));
+        }
+        EXPECT_EQ(AllocationCount() - before, 0);
+        EXPECT_GT(harness->engine.outSamples, 0);
+        if (!recording) continue;
+        harness->engine.recorder.Stop();
+        EXPECT_EQ(harness->engine.recorder.DroppedSamples(), 0u);
+        EXPECT_EQ(std::filesystem::file_size(path), 380u + 301u * 88u);
+        std::filesystem::remove(path);
+    }
 }
 
 }  // namespace

@@ -1,41 +1,61 @@
 #pragma once
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
-#include <memory>
+#include <initializer_list>
 #include <vector>
 
-#include "ForceLog.h"
 #include "TelemetryLayoutWriter.h"
 #include "engine/EngineLoop.h"
+#include "engine/EnginePlatform.h"
 #include "telemetry/IrsdkClient.h"
 
 namespace veltor::test {
 
-// The engine's platform for ticks run by hand: a clock the test sets, no waiting, and a fixed log of the
-// stores of the last tick that takes no allocation.
-struct TickPlatform {
-    using Wheel = RecordingWheel;
-    static constexpr int kMaxStores = 16;
+struct StoredForce {
+    int32_t outputIndex;
+    int32_t value;
+};
 
+struct RequestedWait {
+    int64_t t0;
+    int32_t sleepMicroseconds;
+    int32_t offsetMicroseconds;
+};
+
+// The engine's side of the wheel seam, with nothing behind it.
+struct RecordingWheel {
+    bool Open(WindowHandle, const DeviceGuid*) { return true; }
+    void Close() {}
+
+    std::atomic<int32_t> commandedForce{0};
+    std::atomic<int32_t> dampingPercent{0};
+    std::atomic<bool> lockDamping{false};
+    std::atomic<bool> outputEnabled{false};
+    std::atomic<int32_t> lastError{0};
+    std::atomic<uint32_t> errorCount{0};
+};
+
+// A clock the test sets, waits between outputs that return at once, and a log of the stores and waits of
+// the last pass. Clearing the log keeps its room, so only the first pass that logs allocates.
+struct SteppedPlatform : EnginePlatform {
+    using Wheel = RecordingWheel;
     static inline int64_t now = 0;
-    static inline int storeCount = 0;
-    static inline int32_t storedIndex[kMaxStores] = {};
-    static inline int32_t storedValue[kMaxStores] = {};
+    static inline std::vector<StoredForce> stores;
+    static inline std::vector<RequestedWait> waits;
 
     static int64_t Now() { return now; }
-    static void SleepMilliseconds(int32_t) {}
-    static void WaitUntilOffset(int64_t, int32_t, int32_t) {}
-    static void ForceStored(int32_t outputIndex, int32_t value) {
-        if (storeCount == kMaxStores) return;
-        storedIndex[storeCount] = outputIndex;
-        storedValue[storeCount] = value;
-        ++storeCount;
+    static void ForceStored(int32_t outputIndex, int32_t value) { stores.push_back({outputIndex, value}); }
+    static void WaitUntilOffset(int64_t t0, int32_t sleepMicroseconds, int32_t offsetMicroseconds) {
+        waits.push_back({t0, sleepMicroseconds, offsetMicroseconds});
     }
 };
 
-// An engine loop reading a one-buffer block that the test fills frame by frame.
+// An engine loop on the stepped platform, reading a one-buffer block that the test fills frame by frame.
 class TickHarness {
 public:
-    TickHarness() : layout(sim::StandardVariables(), 1, 256), block(layout.BlockSize()) {
+    explicit TickHarness(std::vector<sim::VariableSpec> variables = sim::StandardVariables())
+        : layout(std::move(variables), 1, 256), block(layout.BlockSize()) {
         layout.WriteLayout(block.data());
         client.AttachBlock(block.data(), block.size());
         loop.connected = true;
@@ -46,8 +66,9 @@ public:
         layout.WriteFrame(layout.Buffer(block.data(), 0), frame);
         if (!repeat) ++tick;
         layout.SetTickCount(block.data(), 0, tick);
-        TickPlatform::storeCount = 0;
-        loop.ProcessFrame(client, TickPlatform::now);
+        SteppedPlatform::stores.clear();
+        SteppedPlatform::waits.clear();
+        loop.ProcessFrame(client, SteppedPlatform::now);
     }
 
     sim::TelemetryLayoutWriter layout;
@@ -55,20 +76,30 @@ public:
     IrsdkClient client;
     FfbEngine engine;
     RecordingWheel wheel;
-    EngineLoop<TickPlatform> loop{engine, wheel};
+    EngineLoop<SteppedPlatform> loop{engine, wheel};
     int32_t tick = 0;
 };
 
-// A frame on track at `speed` whose six torque sub-samples are all `torque`, everything else calm.
-inline TelemetryFrame SteadyFrame(float torque, float speed = 3.0f) {
+// A frame on track at `speed`, calm but for its torque sub-samples.
+inline TelemetryFrame OnTrackFrame(std::initializer_list<float> samples, float speed = 3.0f) {
     TelemetryFrame frame;
     frame.isOnTrack = 1;
-    frame.speed = speed;
-    frame.velocityX = speed;
+    frame.speed = frame.velocityX = speed;
     frame.steeringWheelAngleMax = 8.0f;
-    frame.steeringWheelTorque = torque;
-    for (float& sample : frame.torqueSamples) sample = torque;
+    std::copy(samples.begin(), samples.end(), frame.torqueSamples);
+    frame.steeringWheelTorque = *(samples.end() - 1);
     return frame;
+}
+
+inline TelemetryFrame SteadyFrame(float torque, float speed = 3.0f) {
+    return OnTrackFrame({torque, torque, torque, torque, torque, torque}, speed);
+}
+
+// The values of the last pass's stores, in order.
+inline std::vector<int32_t> StoredValues() {
+    std::vector<int32_t> values;
+    for (const StoredForce& store : SteppedPlatform::stores) values.push_back(store.value);
+    return values;
 }
 
 }  // namespace veltor::test

@@ -81,9 +81,6 @@ public:
             Sleep(100);
         }
     }
-    bool WaitForOutput(const std::string& text, DWORD timeoutMs = kStartTimeoutMs) const {
-        return WaitForOutput({text}, timeoutMs);
-    }
     bool WaitForExit(DWORD timeoutMs = kStartTimeoutMs) const {
         return WaitForSingleObject(process.hProcess, timeoutMs) == WAIT_OBJECT_0;
     }

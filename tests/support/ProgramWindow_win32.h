@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace veltor::test {
 
@@ -35,18 +37,8 @@ public:
         copied = CopyFileW(WindowsPath(programPath).c_str(), Exe.c_str(), FALSE) != 0;
     }
     ~ProgramFolder() {
-        std::wstring pattern = Path + L"\\*";
-        WIN32_FIND_DATAW found;
-        HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-        if (search != INVALID_HANDLE_VALUE) {
-            do {
-                if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
-                    DeleteFileW((Path + L"\\" + found.cFileName).c_str());
-                }
-            } while (FindNextFileW(search, &found));
-            FindClose(search);
-        }
-        RemoveDirectoryW(Path.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(Path, ignored);
     }
     ProgramFolder(const ProgramFolder&) = delete;
     ProgramFolder& operator=(const ProgramFolder&) = delete;
@@ -95,25 +87,13 @@ public:
 
 // The process's top-level window of this class, or null.
 inline HWND FindProcessWindow(DWORD processId, const wchar_t* className) {
-    struct Search {
-        DWORD processId;
-        const wchar_t* className;
-        HWND found;
-    } search{processId, className, nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM context) -> BOOL {
-            auto& s = *reinterpret_cast<Search*>(context);
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            wchar_t name[64];
-            if (owner != s.processId || GetClassNameW(window, name, 64) == 0 || std::wcscmp(name, s.className) != 0) {
-                return TRUE;
-            }
-            s.found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    for (HWND window = FindWindowExW(nullptr, nullptr, className, nullptr); window != nullptr;
+         window = FindWindowExW(nullptr, window, className, nullptr)) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(window, &owner);
+        if (owner == processId) return window;
+    }
+    return nullptr;
 }
 
 // Shown, and neither the window nor any of its children waits for a paint.

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <string>
@@ -16,37 +17,27 @@ struct LogLine {
 
     bool Is(const char* call) const { return text.compare(0, std::strlen(call) + 1, std::string(call) + " ") == 0; }
     bool Has(const char* part) const { return text.find(part) != std::string::npos; }
-    // The value after " key=" up to the next blank; empty when the line has none.
-    std::string Field(const char* key) const {
-        const std::string tag = std::string(" ") + key + "=";
-        const size_t at = text.find(tag);
-        if (at == std::string::npos) return {};
-        const size_t from = at + tag.size();
-        return text.substr(from, text.find(' ', from) - from);
+    long Magnitude() const {
+        const size_t at = text.find(" magnitude=");
+        return at == std::string::npos ? 0 : std::strtol(text.c_str() + at + 11, nullptr, 10);
     }
-    long Magnitude() const { return std::strtol(Field("magnitude").c_str(), nullptr, 10); }
 };
 
-// The log's lines from line `from` on.
-inline std::vector<LogLine> ReadLog(const std::wstring& path, size_t from = 0) {
+inline std::vector<LogLine> ReadLog(const std::wstring& path) {
     std::vector<LogLine> lines;
     std::ifstream file(path.c_str());
-    size_t index = 0;
-    for (std::string line; std::getline(file, line); ++index) {
+    for (std::string line; std::getline(file, line);) {
         const size_t space = line.find(' ');
-        if (index >= from && space != std::string::npos) {
-            lines.push_back({std::stoll(line.substr(0, space)), line.substr(space + 1)});
-        }
+        if (space != std::string::npos) lines.push_back({std::stoll(line.substr(0, space)), line.substr(space + 1)});
     }
     return lines;
 }
 
 // Reads the log into `lines` until `holds(lines)`; false when the deadline passes first.
 template <class Condition>
-bool WaitForLog(const std::wstring& path, size_t from, Condition holds, std::vector<LogLine>& lines,
-                DWORD timeoutMs = 60000) {
+bool WaitForLog(const std::wstring& path, Condition holds, std::vector<LogLine>& lines, DWORD timeoutMs = 60000) {
     for (DWORD waited = 0;; waited += 50) {
-        lines = ReadLog(path, from);
+        lines = ReadLog(path);
         if (holds(lines)) return true;
         if (waited >= timeoutMs) return false;
         Sleep(50);

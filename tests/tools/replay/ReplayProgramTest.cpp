@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -23,9 +24,7 @@ const std::string kSample = std::string(VELTOR_DATA_DIR) + "/telemetry/mercedesa
 
 std::string ReadText(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 class ReplayProgramTest : public ::testing::Test {
@@ -95,9 +94,11 @@ TEST_F(ReplayProgramTest, ErrorsExitWithTwoAndOneLineAndLeaveNoCsv) {
     std::memset(malformed.data() + 36, 0, 4);  // bufLen
     std::ofstream(Path("malformed.ibt"), std::ios::binary) << malformed;
     const std::string csv = " --csv " + Path("out.csv");
+    const std::string sample = "--ibt " + kSample;
     for (const std::string& arguments :
-         {"--ibt " + Path("missing.ibt") + csv, "--ibt " + Path("short.ibt") + csv, "--ibt " + Path("malformed.ibt") + csv,
-          "--ibt " + kSample + " --set NoSuchKey=3" + csv, "--ibt " + kSample + " --mode 7" + csv, "--ibt " + kSample}) {
+         {"--ibt " + Path("missing.ibt") + csv, "--ibt " + Path("short.ibt") + csv,
+          "--ibt " + Path("malformed.ibt") + csv, sample + " --set NoSuchKey=3" + csv, sample + " --set Bumps=1.5" + csv, sample + " --mode 7" + csv,
+          sample + " --frobnicate" + csv, sample}) {
         EXPECT_EQ(Replay(arguments), 2) << arguments;
         EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1) << err;
         EXPECT_FALSE(fs::exists(Path("out.csv")) || fs::exists(Path("out.csv.partial"))) << arguments;
