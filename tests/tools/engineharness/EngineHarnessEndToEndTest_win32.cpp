@@ -48,7 +48,7 @@ long LastValue(const std::string& output, const std::string& key) {
     return at == std::string::npos ? -1 : std::atol(output.c_str() + at + key.size());
 }
 
-TEST(WheelHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRecoversTheForce) {
+TEST(EngineHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRecoversTheForce) {
     const std::wstring logPath = TempPath(L"veltor_e2e_virtualwheel.log");
     const std::wstring faultPath = TempPath(L"veltor_e2e_virtualwheel.faults");
     const std::wstring stopPath = TempPath(L"veltor_e2e_wheel_stop");
