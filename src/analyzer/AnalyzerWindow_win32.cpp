@@ -11,7 +11,7 @@
 #include "analyzer/AnalyzerLayout.h"
 #include "analyzer/RecordingAnalysis.h"
 #include "app/ControlCatalogue.h"
-#include "app/DarkCaption.h"
+#include "app/WindowTheme.h"
 #include "app/Theme.h"
 #include "profiles/IniEncoding.h"
 #include "profiles/ExecutablePath.h"
@@ -30,10 +30,6 @@ std::wstring FileName(const std::wstring& path) { return std::filesystem::path(p
 
 std::wstring Folder(const std::wstring& path) { return std::filesystem::path(path).parent_path().wstring(); }
 
-HFONT MakeFont(int32_t height, int32_t weight, DWORD pitchAndFamily, const wchar_t* face) {
-    return CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, pitchAndFamily, face);
-}
 
 LRESULT CALLBACK Trampoline(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCCREATE) {
@@ -137,11 +133,11 @@ void AnalyzerWindow::CreateBrushesAndFonts() {
     PanelBrush = CreateSolidBrush(kPanelColour);
     HeaderBrush = CreateSolidBrush(kHeaderColour);
     AccentBrush = CreateSolidBrush(kAccentColour);
-    BodyFont = MakeFont(-15, 400, 0, L"Segoe UI");
-    TitleFont = MakeFont(-28, 700, 0, L"Segoe UI");
-    SectionFont = MakeFont(-13, 600, 0, L"Segoe UI");
-    SmallFont = MakeFont(-12, 400, 0, L"Segoe UI");
-    MonoFont = MakeFont(-12, 400, FIXED_PITCH, L"Cascadia Mono");
+    BodyFont = MakeThemeFont(-15, 400);
+    TitleFont = MakeThemeFont(-28, 700);
+    SectionFont = MakeThemeFont(-13, 600);
+    SmallFont = MakeThemeFont(-12, 400);
+    MonoFont = MakeThemeFont(-12, 400, true);
 }
 
 void AnalyzerWindow::CreateControls() {

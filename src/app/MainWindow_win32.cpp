@@ -3,7 +3,7 @@
 #include <string>
 
 #include "app/ControlCatalogue.h"
-#include "app/DarkCaption.h"
+#include "app/WindowTheme.h"
 #include "app/SliderValueText.h"
 #include "app/Theme.h"
 #include "profiles/TorqueField.h"

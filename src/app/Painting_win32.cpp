@@ -3,6 +3,7 @@
 
 #include "app/App.h"
 #include "app/Theme.h"
+#include "app/WindowTheme.h"
 
 namespace veltor {
 namespace {
@@ -51,10 +52,6 @@ constexpr std::array<PaintedText, 7> kTexts{{
     {L"SESSION LOG", 48, 698, &App::SectionFont, kAccentColour},
 }};
 
-HFONT MakeFont(int32_t height, int32_t weight, DWORD pitchAndFamily, const wchar_t* face) {
-    return CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, pitchAndFamily, face);
-}
 
 void PaintStatusStrip(const App& app, HDC dc, const RECT& client) {
     const RECT strip{0, client.bottom - kStatusStripHeight, client.right, client.bottom};
@@ -79,10 +76,10 @@ void App::CreateBrushesAndFonts() {
     HeaderBrush = CreateSolidBrush(kHeaderColour);
     FieldBrush = CreateSolidBrush(kFieldColour);
     AccentBrush = CreateSolidBrush(kAccentColour);
-    BodyFont = MakeFont(-15, 400, 0, L"Segoe UI");
-    TitleFont = MakeFont(-34, 700, 0, L"Segoe UI");
-    SectionFont = MakeFont(-13, 600, 0, L"Segoe UI");
-    MonoFont = MakeFont(-14, 400, FIXED_PITCH, L"Cascadia Mono");
+    BodyFont = MakeThemeFont(-15, 400);
+    TitleFont = MakeThemeFont(-34, 700);
+    SectionFont = MakeThemeFont(-13, 600);
+    MonoFont = MakeThemeFont(-14, 400, true);
 }
 
 void App::PaintBackground(HDC dc) {

@@ -1,4 +1,4 @@
-#include "app/DarkCaption.h"
+#include "app/WindowTheme.h"
 
 #include <dwmapi.h>
 
@@ -21,6 +21,11 @@ void ApplyDarkCaption(HWND window) {
     DwmSetWindowAttribute(window, kDwmUseDarkMode, &darkMode, sizeof darkMode);
     DwmSetWindowAttribute(window, kDwmCaptionColour, &caption, sizeof caption);
     DwmSetWindowAttribute(window, kDwmCaptionTextColour, &captionText, sizeof captionText);
+}
+
+HFONT MakeThemeFont(int32_t height, int32_t weight, bool mono) {
+    return CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                       CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, mono ? FIXED_PITCH : 0, mono ? L"Cascadia Mono" : L"Segoe UI");
 }
 
 }  // namespace veltor
