@@ -8,7 +8,10 @@ namespace veltor {
 namespace {
 
 std::wstring_view StatusText(std::wstring_view text, std::wstring_view fallback) {
-    return (text.empty() ? fallback : text).substr(0, kStatusTextCapacity);
+    std::wstring_view kept = (text.empty() ? fallback : text).substr(0, kStatusTextCapacity);
+    // Where UTF-16 is cut after the first half of a surrogate pair, that half goes too.
+    if (kept.size() == kStatusTextCapacity && kept.back() >= 0xD800 && kept.back() <= 0xDBFF) kept.remove_suffix(1);
+    return kept;
 }
 
 }  // namespace

@@ -46,7 +46,11 @@ bool SetSettingByKey(EngineSettings& settings, std::string_view key, int32_t val
 }
 
 bool ParseSettingInteger(std::string_view text, int32_t& value) {
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    // One sign at most: "+-5" is no number.
+    if (!text.empty() && text.front() == '+') {
+        text.remove_prefix(1);
+        if (!text.empty() && text.front() == '-') return false;
+    }
     const char* end = text.data() + text.size();
     const auto [stop, failure] = std::from_chars(text.data(), end, value);
     return !text.empty() && failure == std::errc() && stop == end;
