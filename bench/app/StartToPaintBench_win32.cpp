@@ -18,7 +18,8 @@ double StartToPaint(const std::wstring& exe) {
     QueryPerformanceFrequency(&frequency);
     QueryPerformanceCounter(&start);
     veltor::test::Process program(exe, L"");
-    HWND window = program.started ? veltor::test::WaitForPaintedWindow(program, veltor::test::kWindowTimeoutMs, 2)
+    HWND window = program.started ? veltor::test::WaitForPaintedWindow(L"VeltorCommercialWindow",
+                                                                        program.info.dwProcessId, L"", 2)
                                   : nullptr;
     QueryPerformanceCounter(&painted);
     if (window == nullptr) return -1.0;

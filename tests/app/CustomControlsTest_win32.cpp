@@ -16,12 +16,7 @@ namespace {
 using veltor::CheckboxRow;
 using veltor::SliderRow;
 
-struct Sent {
-    UINT message;
-    WPARAM wParam;
-    LPARAM lParam;
-};
-std::vector<Sent> sent;
+std::vector<MSG> sent;
 
 // What a control handled, seen by a procedure standing in front of its own.
 struct Handled {
@@ -43,7 +38,7 @@ LRESULT CALLBACK CountingProcedure(HWND control, UINT message, WPARAM wParam, LP
 LRESULT CALLBACK RecordingParent(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     handled[window].buttons += message == WM_LBUTTONDOWN || message == WM_LBUTTONUP ? 1 : 0;
     if (message == veltor::SliderValueChanged || message == veltor::CheckboxToggled) {
-        sent.push_back({message, wParam, lParam});
+        sent.push_back({window, message, wParam, lParam, 0, {}});
         return 0;
     }
     return DefWindowProcW(window, message, wParam, lParam);
@@ -68,10 +63,8 @@ protected:
         panel = CreateSolidBrush(0x221C18);
         veltor::RegisterSliderClass(instance, panel);
         veltor::RegisterCheckboxClass(instance, panel);
-        WNDCLASSW parentClass{};
-        parentClass.lpfnWndProc = RecordingParent;
-        parentClass.hInstance = instance;
-        parentClass.lpszClassName = L"ControlsTestParent";
+        const WNDCLASSW parentClass{0,       RecordingParent, 0,       0,       instance,
+                                    nullptr, nullptr,         nullptr, nullptr, L"ControlsTestParent"};
         RegisterClassW(&parentClass);
         parent = CreateWindowExW(0, L"ControlsTestParent", L"", WS_POPUP | WS_VISIBLE, 100, 100, 700, 200, nullptr,
                                  nullptr, instance, nullptr);
@@ -96,18 +89,17 @@ protected:
         DeleteObject(panel);
     }
 
-    // The cursor to a point in the control's client coordinates (outside it too).
+    static void Mouse(DWORD flags, LONG dx = 0, LONG dy = 0) {
+        INPUT input{INPUT_MOUSE, {{dx, dy, 0, flags, 0, 0}}};
+        SendInput(1, &input, sizeof input);
+    }
+    // The cursor to a point in the control's client coordinates (outside it too), normalised to 0..65535 and
+    // rounded up so that the pixel reached is the one asked for.
     void MoveTo(HWND control, POINT p) {
         ClientToScreen(control, &p);
-        const int width = GetSystemMetrics(SM_CXSCREEN);
-        const int height = GetSystemMetrics(SM_CYSCREEN);
-        INPUT move{};
-        move.type = INPUT_MOUSE;
-        move.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-        // Normalised to 0..65535, rounded up so that the pixel reached is the one asked for.
-        move.mi.dx = (p.x * 65536 + width - 1) / width;
-        move.mi.dy = (p.y * 65536 + height - 1) / height;
-        SendInput(1, &move, sizeof move);
+        const int width = GetSystemMetrics(SM_CXSCREEN), height = GetSystemMetrics(SM_CYSCREEN);
+        Mouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, (p.x * 65536 + width - 1) / width,
+              (p.y * 65536 + height - 1) / height);
     }
     static HWND Under(HWND control, POINT p) {
         ClientToScreen(control, &p);
@@ -116,10 +108,7 @@ protected:
     // The button pressed or released, and seen by `target`.
     void Button(HWND target, bool down) {
         const int before = handled[target].buttons;
-        INPUT input{};
-        input.type = INPUT_MOUSE;
-        input.mi.dwFlags = down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
-        SendInput(1, &input, sizeof input);
+        Mouse(down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP);
         ASSERT_TRUE(PumpUntil([&] { return handled[target].buttons > before; })) << "button not seen";
     }
     void Drag(int fromX, int toX) {

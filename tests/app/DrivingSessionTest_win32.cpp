@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -24,7 +25,7 @@
 namespace veltor::test {
 namespace {
 
-constexpr wchar_t kSimulatorOptions[] = L" --seconds 240 --quiet --lap-offset 44 --freeze-at 6 --freeze-for 2 --swap-identity-at 15";
+constexpr wchar_t kSimulatorOptions[] = L"--seconds 240 --quiet --lap-offset 44 --freeze-at 6 --freeze-for 2 --swap-identity-at 15";
 constexpr wchar_t kWheelFaults[] = L"SetParameters=INPUTLOST@4500+300";
 constexpr wchar_t kInputLost[] = L"DirectInput FFB error: 0x8007001E (DIERR_INPUTLOST)\r\n";
 constexpr wchar_t kFromProfile[] = L"Using driver profile settings for this car.\r\n";
@@ -32,9 +33,7 @@ constexpr uint64_t kRecordsForAdvice = 700;  // past the 600 that the analyzer's
 
 // The first two texts of the status strip, measured as the rightmost bright pixel of each in a screenshot:
 // "iRacing connected" and "On track" are narrower than "iRacing disconnected" and "Not on track".
-struct StripWidths {
-    LONG connection = 0, track = 0;
-};
+using StripWidths = std::pair<LONG, LONG>;
 
 bool MeasureStrip(HWND window, const char* name, StripWidths& widths) {
     Screenshot shot(VELTOR_ARTEFACT_DIR);
@@ -45,34 +44,11 @@ bool MeasureStrip(HWND window, const char* name, StripWidths& widths) {
 }
 
 // The analyzer's window once painted with `titlePart` in its title (its title names the file it shows).
-HWND PaintedAnalyzer(const std::wstring& titlePart) {
-    const ULONGLONG until = GetTickCount64() + kWindowTimeoutMs;
-    do {
-        HWND found = FindWindowW(analyzer::kAnalyzerWindowClass, nullptr);
-        if (found != nullptr && IsPainted(found) && WindowText(found).find(titlePart) != std::wstring::npos) return found;
-        Sleep(20);
-    } while (GetTickCount64() < until);
-    return nullptr;
-}
+HWND PaintedAnalyzer(const std::wstring& titlePart) { return WaitForPaintedWindow(analyzer::kAnalyzerWindowClass, 0, titlePart); }
 
 bool CloseAnalyzer(HWND analyzer) {
     PostMessageW(analyzer, WM_CLOSE, 0, 0);
-    const ULONGLONG until = GetTickCount64() + kWindowTimeoutMs;
-    while (IsWindow(analyzer) && GetTickCount64() < until) Sleep(20);
-    return !IsWindow(analyzer);
-}
-
-// Pixels near `colour` inside a rectangle of the analyzer's client area.
-int CountNear(const Screenshot& shot, const analyzer::LayoutRect& area, COLORREF colour) {
-    int count = 0;
-    for (LONG y = area.top; y < area.bottom; ++y) {
-        for (LONG x = area.left; x < area.right; ++x) {
-            const COLORREF c = shot.At(x, y);
-            count += std::abs(GetRValue(c) - GetRValue(colour)) + std::abs(GetGValue(c) - GetGValue(colour)) +
-                             std::abs(GetBValue(c) - GetBValue(colour)) < 60;
-        }
-    }
-    return count;
+    return WaitGone(analyzer);
 }
 
 class DrivingSession : public ::testing::Test {
@@ -80,8 +56,8 @@ protected:
     static void SetUpTestSuite() {
         program = new RunningProgram(VELTOR_GRIPLINE_EXE);
         const std::wstring& folder = program->folder.Path;
-        CopyFileW(WindowsPath(VELTOR_VIRTUAL_WHEEL_DLL).c_str(), (folder + L"\\dinput8.dll").c_str(), FALSE);
-        CopyFileW(WindowsPath(VELTOR_ANALYZER_EXE).c_str(), (folder + L"\\Veltor Commercial Analyzer.exe").c_str(), FALSE);
+        CopyFileW(ProgramPath(VELTOR_VIRTUAL_WHEEL_DLL).c_str(), (folder + L"\\dinput8.dll").c_str(), FALSE);
+        CopyFileW(ProgramPath(VELTOR_ANALYZER_EXE).c_str(), (folder + L"\\Veltor Commercial Analyzer.exe").c_str(), FALSE);
         SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", (folder + L"\\wheel.log").c_str());
         SetEnvironmentVariableW(L"VIRTUALWHEEL_FAULTS", kWheelFaults);
         started = program->Start() && MeasureStrip(program->window, "session-before", before);
@@ -102,22 +78,14 @@ protected:
                                 name.empty() ? name : program->folder.Path + L"\\" + name, &proposed);
     }
 
-    static bool ReadHeader(const std::wstring& name, RecordingHeader& header) {
-        std::ifstream file(std::filesystem::path(program->folder.Path + L"\\" + name), std::ios::binary);
-        return static_cast<bool>(file.read(reinterpret_cast<char*>(&header), sizeof header));
-    }
-
-    struct Buttons {
-        bool start, stop, record, stopRec, analyzer;
-        bool operator==(const Buttons&) const = default;
-    };
+    using Buttons = std::array<bool, 5>;  // Start, Stop, Record, Stop rec, Analyzer
     static Buttons ButtonStates() {
         return {program->Enabled(1001), program->Enabled(1002), program->Enabled(1124), program->Enabled(1125),
                 program->Enabled(1126)};
     }
 
     static inline RunningProgram* program = nullptr;
-    static inline std::unique_ptr<Child> simulator;
+    static inline std::unique_ptr<Process> simulator;
     static inline bool started = false;
     static inline StripWidths before;
     static inline size_t firstRunEnd = 0;  // the log's length when the first run of the engine had ended
@@ -144,8 +112,8 @@ TEST_F(DrivingSession, StartRunsTheEngineOnTheSimulatorAndTheStripFollowsIt) {
     ASSERT_TRUE(program->WaitForLog({L"Debug logging enabled.\r\n"}));
     ASSERT_TRUE(program->WaitForText(1131, L"7.5"));
 
-    simulator = std::make_unique<Child>(L"\"" + WindowsPath(VELTOR_SIMULATOR_EXE) + L"\"" + kSimulatorOptions,
-                                        program->folder.Path + L"\\simulator.txt");
+    simulator = std::make_unique<Process>(ProgramPath(VELTOR_SIMULATOR_EXE), kSimulatorOptions,
+                                          program->folder.Path + L"\\simulator.txt");
     ASSERT_TRUE(simulator->started);
     program->Press(1001);
     EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", L"iRacing native FFB suppression enabled.\r\n"}));
@@ -155,8 +123,8 @@ TEST_F(DrivingSession, StartRunsTheEngineOnTheSimulatorAndTheStripFollowsIt) {
 
     StripWidths now;
     ASSERT_TRUE(MeasureStrip(program->window, "session-on-track", now));
-    EXPECT_LT(now.connection, before.connection) << "iRacing connected";
-    EXPECT_LT(now.track, before.track) << "On track";
+    EXPECT_LT(now.first, before.first) << "iRacing connected";
+    EXPECT_LT(now.second, before.second) << "On track";
 }
 
 // A strength far beyond the slider's range, as advice may give it: the slider shows its end, the engine
@@ -200,9 +168,9 @@ TEST_F(DrivingSession, LeavingTheTrackReportsTheStintsClippingAndOutput) {
 
 TEST_F(DrivingSession, ACarChangeStoresTheLiveRecordUnderTheCarItBelongedTo) {
     program->Key(1104, VK_END);  // Damping 100 for the first car
-    ASSERT_TRUE(program->WaitUntil([] { return program->ValueText(1104) == L"100"; }));
-    EXPECT_TRUE(program->WaitUntil([] { return program->Before(1116, 3) == L"Car: porsche992rgt3"; }));
-    EXPECT_TRUE(program->WaitUntil([] { return program->CountInLog(kFromProfile) == 2; }));
+    ASSERT_TRUE(WaitUntil([] { return program->ValueText(1104) == L"100"; }));
+    EXPECT_TRUE(WaitUntil([] { return program->Before(1116, 3) == L"Car: porsche992rgt3"; }));
+    EXPECT_TRUE(WaitUntil([] { return program->CountInLog(kFromProfile) == 2; }));
     EXPECT_EQ(program->ValueText(1104), L"0");
 }
 
@@ -218,8 +186,9 @@ TEST_F(DrivingSession, StopWhileRecordingSavesTheRecordingFirstAndTheStintIsRepo
     EXPECT_EQ(program->CountInLog(L"Telemetry stalled: force released.\r\n"), 1u) << program->Log();
     firstRunEnd = program->Log().size();
 
-    RecordingHeader header;
-    ASSERT_TRUE(ReadHeader(L"first session.vtrrec", header));
+    RecordingHeader header{};  // stays zero without the file, and the magic fails
+    std::ifstream(std::filesystem::path(program->folder.Path + L"\\first session.vtrrec"), std::ios::binary)
+        .read(reinterpret_cast<char*>(&header), sizeof header);
     EXPECT_STREQ(header.magic, "VTRREC1");
     EXPECT_STREQ(header.profileName, "Default");
     EXPECT_EQ(header.wheelbaseMaxTorque, 7.5f);
@@ -235,7 +204,7 @@ TEST_F(DrivingSession, TheAnalyzerOpensTheLastRecording) {
 TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEngineRunning) {
     // The weakest force for the second car, so that the analyzer has a stronger one to propose below.
     program->Key(1101, VK_HOME);
-    ASSERT_TRUE(program->WaitUntil([] { return program->ValueText(1101) == L"0%"; }));
+    ASSERT_TRUE(WaitUntil([] { return program->ValueText(1101) == L"0%"; }));
     // Start clears the stamps: the failure count that the engine still shows comes out again at once.
     program->Press(1001);
     EXPECT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", kInputLost}, firstRunEnd)) << program->Log();
@@ -252,7 +221,7 @@ TEST_F(DrivingSession, ARestartReportsTheWheelsFailureAgainAndStopRecLeavesTheEn
     const std::wstring meanwhile = log.substr(beforeCancel, log.find(L"Telemetry recording started.", beforeCancel) - beforeCancel);
     EXPECT_EQ(meanwhile.find(L"recording"), std::wstring::npos) << meanwhile;
     const std::wstring recording = program->folder.Path + L"\\second session.vtrrec";
-    ASSERT_TRUE(program->WaitUntil([&] {
+    ASSERT_TRUE(WaitUntil([&] {
         WIN32_FILE_ATTRIBUTE_DATA data{};
         return GetFileAttributesExW(recording.c_str(), GetFileExInfoStandard, &data) &&
                data.nFileSizeLow >= kRecordingHeaderSize + kRecordsForAdvice * kRecordingSampleSize;
@@ -278,9 +247,9 @@ TEST_F(DrivingSession, TheAnalyzersAdviceReachesTheRunningProgram) {
     Screenshot shot(VELTOR_ARTEFACT_DIR);
     ASSERT_TRUE(shot.Take(window, "analyzer-window"));
     std::printf("analyzer window: %s\n", shot.png.c_str());
-    EXPECT_GT(CountNear(shot, analyzer::kForcePlotArea, RGB(0x1C, 0x8E, 0xEC)), 300) << "the force's trace";
-    EXPECT_GT(CountNear(shot, analyzer::kHistogramArea, RGB(0x1C, 0x8E, 0xEC)), 300) << "the spread's bars";
-    EXPECT_GT(CountNear(shot, analyzer::kGripPlotArea, RGB(0x50, 0xC8, 0x8C)), 100) << "the understeer load's trace";
+    EXPECT_GT(shot.CountNear(analyzer::kForcePlotArea, RGB(0x1C, 0x8E, 0xEC), 30), 300) << "the force's trace";
+    EXPECT_GT(shot.CountNear(analyzer::kHistogramArea, RGB(0x1C, 0x8E, 0xEC), 30), 300) << "the spread's bars";
+    EXPECT_GT(shot.CountNear(analyzer::kGripPlotArea, RGB(0x50, 0xC8, 0x8C), 30), 100) << "the understeer load's trace";
 
     int boxes = 0;
     for (const analyzer::AdviceRow& row : advised.rows) boxes += row.advised ? 1 : 0;

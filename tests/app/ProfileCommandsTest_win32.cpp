@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "RunningProgram_win32.h"
@@ -19,11 +20,6 @@ std::wstring RunValue() {
     const LSTATUS read = RegGetValueW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Run",
                                       L"Veltor", RRF_RT_REG_SZ, nullptr, value, &bytes);
     return read == ERROR_SUCCESS ? value : L"(none)";
-}
-
-std::wstring Lower(std::wstring text) {
-    CharLowerW(text.data());
-    return text;
 }
 
 class ProfileCommands : public ::testing::Test {
@@ -66,9 +62,8 @@ TEST_F(ProfileCommands, CommandsThatNeedAWheelOrTheAnalyzerSaySoAndChangeNothing
     EXPECT_TRUE(program->WaitForLog({L"Select a force feedback wheel first.\r\n",
                                      L"The Veltor Analyzer executable was not found next to the app.\r\n"},
                                     from));
-    EXPECT_TRUE(program->Enabled(1001));
-    EXPECT_FALSE(program->Enabled(1002));
-    EXPECT_FALSE(program->Enabled(1124));
+    EXPECT_EQ(std::tuple(program->Enabled(1001), program->Enabled(1002), program->Enabled(1124)),
+              std::tuple(true, false, false));  // Start, Stop, Record
 }
 
 TEST_F(ProfileCommands, EachSwitchSaysItsNewStateAndRunOnStartupGoesToTheRunKey) {
@@ -89,7 +84,8 @@ TEST_F(ProfileCommands, EachSwitchSaysItsNewStateAndRunOnStartupGoesToTheRunKey)
         program->Flip(flip.id);
         EXPECT_TRUE(program->WaitForLog({std::wstring(flip.line) + L"\r\n"}, from)) << flip.id;
     }
-    EXPECT_EQ(Lower(RunValue()), Lower(L"\"" + program->folder.Exe + L"\""));
+    EXPECT_EQ(CompareStringOrdinal(RunValue().c_str(), -1, (L"\"" + program->folder.Exe + L"\"").c_str(), -1, TRUE),
+              CSTR_EQUAL) << RunValue();
     const size_t from = program->Log().size();
     program->Flip(1007);
     EXPECT_TRUE(program->WaitForLog({L"Run on startup disabled.\r\n"}, from));
@@ -123,7 +119,7 @@ TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
     };
     for (const auto& save : saves) {
         from = program->Log().size();
-        program->SetComboText(1008, save.typed);
+        SendMessageW(program->Control(1008), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(save.typed));  // typed; the focus stays
         program->Press(1010);
         // The advice's car is the car seen last: saving stores its settings and coefficients.
         EXPECT_TRUE(program->WaitForLog({L"Car settings and coefficients saved.\r\n"}, from));
@@ -135,7 +131,7 @@ TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
     program->Pick(1008, 1);
     EXPECT_TRUE(program->WaitForLog({L"Driver profile loaded.\r\n"}, from));
     program->Key(1100, VK_END);  // into Fast Lap's entry for the car
-    EXPECT_TRUE(program->WaitUntil([] { return program->ValueText(1100) == L"20"; }));
+    EXPECT_TRUE(WaitUntil([] { return program->ValueText(1100) == L"20"; }));
 }
 
 TEST_F(ProfileCommands, ClosingSavesProfilesCarEntriesAndOverrides) {

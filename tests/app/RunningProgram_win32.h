@@ -4,7 +4,9 @@
 // for what the program shows, under a generous deadline.
 #include <windows.h>
 
-#include <functional>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -28,7 +30,7 @@ public:
     bool Start(const std::wstring& arguments = L"") {
         if (!folder.copied) return false;
         process = std::make_unique<Process>(folder.Exe, arguments);
-        window = process->started ? WaitForPaintedWindow(*process) : nullptr;
+        window = process->started ? WaitForPaintedWindow(L"VeltorCommercialWindow", process->info.dwProcessId) : nullptr;
         log = window != nullptr ? GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST) : nullptr;
         return window != nullptr;
     }
@@ -55,9 +57,6 @@ public:
         SendMessageW(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
         SendMessageW(Control(id), WM_KILLFOCUS, 0, 0);
     }
-    void SetComboText(int id, const std::wstring& text) const {
-        SendMessageW(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
     // An item picked from a list, with the notification the list sends its parent.
     void Pick(int id, int item) const {
         SendMessageW(Control(id), CB_SETCURSEL, static_cast<WPARAM>(item), 0);
@@ -74,14 +73,6 @@ public:
         return items;
     }
 
-    bool WaitUntil(const std::function<bool()>& shown, DWORD timeoutMs = kWindowTimeoutMs) const {
-        const ULONGLONG until = GetTickCount64() + timeoutMs;
-        while (!shown()) {
-            if (GetTickCount64() > until) return false;
-            Sleep(20);
-        }
-        return true;
-    }
     // The log holds these lines, in this order, after the first `from` characters.
     bool WaitForLog(std::initializer_list<std::wstring> lines, size_t from = 0, DWORD timeoutMs = kWindowTimeoutMs) const {
         return WaitUntil([&] { return HoldsInOrder(Log(), lines, from); }, timeoutMs);
@@ -103,48 +94,25 @@ public:
         return process->WaitForExit();
     }
 
-    static bool HoldsInOrder(const std::wstring& text, std::initializer_list<std::wstring> lines, size_t from) {
-        size_t at = from;
-        for (const std::wstring& line : lines) {
-            at = text.find(line, at);
-            if (at == std::wstring::npos) return false;
-            at += line.size();
-        }
-        return true;
-    }
-
     ProgramFolder folder;
     std::unique_ptr<Process> process;
     HWND window = nullptr;
     HWND log = nullptr;  // the session log panel, the last child
 };
 
-// A UTF-16 file as text, without its mark; empty if there is none.
-inline std::wstring Utf16FileText(const std::wstring& path) {
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                              0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return L"";
-    std::wstring text(GetFileSize(file, nullptr) / sizeof(wchar_t), L'\0');
-    DWORD got = 0;
-    ReadFile(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &got, nullptr);
-    CloseHandle(file);
+// The folder's INI file as text: the store writes UTF-16 with its mark.
+inline std::wstring IniText(const ProgramFolder& folder) {
+    const std::string bytes = ReadAll(std::filesystem::path(folder.Path) / L"Veltor_profiles.ini");
+    std::wstring text(bytes.size() / 2, L'\0');
+    std::memcpy(text.data(), bytes.data(), text.size() * 2);
     return text.size() > 0 && text[0] == 0xFEFF ? text.substr(1) : text;
 }
 
-// The folder's INI file as text (the store writes UTF-16 with its mark).
-inline std::wstring IniText(const ProgramFolder& folder) { return Utf16FileText(folder.Path + L"\\Veltor_profiles.ini"); }
-
 // A file written for the program to read, in the system's code page.
 inline bool WriteTextFile(const std::wstring& path, const std::string& text) {
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    DWORD written = 0;
-    const bool whole = WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
-                       written == text.size();
-    CloseHandle(file);
-    return whole;
+    return static_cast<bool>(std::ofstream(std::filesystem::path(path), std::ios::binary) << text);
 }
 
-inline bool FileExists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+inline bool FileExists(const std::wstring& path) { return std::filesystem::exists(path); }
 
 }  // namespace veltor::test

@@ -2,12 +2,14 @@
 // A window as the test's X display shows it, read back pixel by pixel in the window's client coordinates.
 #include <windows.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "ProgramWindow_win32.h"
+#include "ChildProcess_win32.h"
 
 namespace veltor::test {
 
@@ -29,9 +31,11 @@ public:
                                  std::to_string(origin.x) + "+" + std::to_string(origin.y);
         png = base + ".png";
         DeleteFileA(("Z:" + base + ".done").c_str());
-        if (!RunUnix("/usr/bin/xwd -root -silent | /usr/bin/convert xwd:- -crop " + crop + " +repage -write " + png +
-                     " -depth 8 rgb:" + base + ".rgb && touch " + base + ".done") ||
-            !WaitForFile("Z:" + base + ".done")) {
+        // Wine starts a Unix program from its path but cannot wait for it: its end shows by a file it leaves.
+        const std::string script = "/usr/bin/xwd -root -silent | /usr/bin/convert xwd:- -crop " + crop +
+                                   " +repage -write " + png + " -depth 8 rgb:" + base + ".rgb && touch " + base + ".done";
+        if (!Process(L"/bin/sh", L"-c \"" + std::wstring(script.begin(), script.end()) + L"\"").started ||
+            !WaitUntil([&] { return GetFileAttributesA(("Z:" + base + ".done").c_str()) != INVALID_FILE_ATTRIBUTES; })) {
             return false;
         }
         rgb.assign(static_cast<size_t>(width) * height * 3, 0);
@@ -46,6 +50,21 @@ public:
         if (x < 0 || y < 0 || x >= width || y >= height) return CLR_INVALID;
         const unsigned char* pixel = &rgb[(static_cast<size_t>(y) * width + x) * 3];
         return RGB(pixel[0], pixel[1], pixel[2]);
+    }
+
+    // The largest difference in one channel.
+    static int Distance(COLORREF a, COLORREF b) {
+        return std::max({std::abs(GetRValue(a) - GetRValue(b)), std::abs(GetGValue(a) - GetGValue(b)),
+                         std::abs(GetBValue(a) - GetBValue(b))});
+    }
+    // Pixels within `tolerance` of `colour` in a rectangle of the client area.
+    template <class Rect>
+    int CountNear(const Rect& area, COLORREF colour, int tolerance) const {
+        int count = 0;
+        for (LONG y = area.top; y < area.bottom; ++y) {
+            for (LONG x = area.left; x < area.right; ++x) count += Distance(At(x, y), colour) <= tolerance ? 1 : 0;
+        }
+        return count;
     }
 
     // Text on the dark theme in a band of the client area: the first and last column with a bright pixel
@@ -73,28 +92,6 @@ public:
     LONG height = 0;
 
 private:
-    // Wine starts a Unix program from its path but cannot wait for it: its end shows by a file it leaves.
-    static bool RunUnix(const std::string& script) {
-        std::wstring line = L"/bin/sh -c \"" + std::wstring(script.begin(), script.end()) + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION info{};
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-            return false;
-        }
-        CloseHandle(info.hThread);
-        CloseHandle(info.hProcess);
-        return true;
-    }
-    static bool WaitForFile(const std::string& path) {
-        const ULONGLONG until = GetTickCount64() + kWindowTimeoutMs;
-        while (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
-            if (GetTickCount64() > until) return false;
-            Sleep(50);
-        }
-        return true;
-    }
-
     std::string artefactDir;
     std::vector<unsigned char> rgb;
 };

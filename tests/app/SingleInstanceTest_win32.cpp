@@ -26,7 +26,7 @@ TEST_F(SingleInstance, SecondStartRestoresTheFirstWindowAndEndsWithZero) {
     ASSERT_TRUE(IsIconic(first.window));
     Process second(first.folder.Exe, L"");
     EXPECT_EQ(second.WaitForExit(), 0);
-    EXPECT_TRUE(first.WaitUntil([&] { return !IsIconic(first.window); }));
+    EXPECT_TRUE(WaitUntil([&] { return !IsIconic(first.window); }));
     EXPECT_EQ(first.Log().find(L"advice"), std::wstring::npos);
 }
 

@@ -1,13 +1,18 @@
 #pragma once
+// Programs started from a test under Wine, and the polling waits for what they show.
 #include <windows.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <string>
 
 namespace veltor::test {
 
-constexpr DWORD kStartTimeoutMs = 60000;  // a cold Wine prefix starts slowly
+constexpr DWORD kWindowTimeoutMs = 60000;  // a cold Wine prefix starts slowly
+constexpr DWORD kStartTimeoutMs = kWindowTimeoutMs;
 
 // The build tree's paths are Unix paths when the tests run under Wine: its drive Z: is the root.
 inline std::wstring ProgramPath(const char* text) {
@@ -23,74 +28,88 @@ inline std::wstring TempPath(const wchar_t* name) {
     return std::wstring(folder) + name;
 }
 
-inline bool HoldsInOrder(const std::string& out, std::initializer_list<std::string> texts) {
-    size_t at = 0;
-    for (const std::string& text : texts) {
-        at = out.find(text, at);
-        if (at == std::string::npos) return false;
-        at += text.size();
+// A file's bytes; empty when it does not exist.
+inline std::string ReadAll(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// Polls until `done` holds; false when the deadline passes first.
+template <class Condition>
+bool WaitUntil(Condition done, DWORD timeoutMs = kWindowTimeoutMs, DWORD pollMs = 20) {
+    const ULONGLONG until = GetTickCount64() + timeoutMs;
+    while (!done()) {
+        if (GetTickCount64() > until) return false;
+        Sleep(pollMs);
     }
     return true;
 }
 
-// A child process whose output goes to a file, read back while it runs; it inherits this environment.
-class Child {
+// `text` holds `parts` in this order after its first `from` characters.
+template <class Text>
+bool HoldsInOrder(const Text& text, std::initializer_list<Text> parts, size_t from = 0) {
+    for (const Text& part : parts) {
+        from = text.find(part, from);
+        if (from == Text::npos) return false;
+        from += part.size();
+    }
+    return true;
+}
+
+// One started program, ended by force if it still runs when this goes. With an `outputPath`, its output
+// goes to that file, read back while it runs.
+class Process {
 public:
-    Child(const std::wstring& commandLine, const std::wstring& outputPath) : path(outputPath) {
-        SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-        output = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
-                             CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    Process(const std::wstring& exe, const std::wstring& arguments, const std::wstring& outputPath = L"",
+            WORD show = SW_SHOWDEFAULT)
+        : path(outputPath) {
+        std::wstring line = L"\"" + exe + L"\" " + arguments;
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = output;
-        startup.hStdError = output;
-        startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-        std::wstring mutableLine = commandLine;
-        started = output != INVALID_HANDLE_VALUE &&
-                  CreateProcessW(nullptr, mutableLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                                 &process) != 0;
+        startup.dwFlags = show == SW_SHOWDEFAULT ? 0 : STARTF_USESHOWWINDOW;
+        startup.wShowWindow = show;
+        if (!path.empty()) {
+            SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+            output = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
+                                 CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+            if (output == INVALID_HANDLE_VALUE) return;
+            startup.dwFlags |= STARTF_USESTDHANDLES;
+            startup.hStdOutput = startup.hStdError = output;
+            startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+        }
+        started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, !path.empty(), 0, nullptr, nullptr, &startup,
+                                 &info) != 0;
     }
-    ~Child() {
+    ~Process() {
         if (started) {
-            if (WaitForSingleObject(process.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(process.hProcess, 1);
-            CloseHandle(process.hThread);
-            CloseHandle(process.hProcess);
+            if (!Ended()) TerminateProcess(info.hProcess, 99);
+            WaitForSingleObject(info.hProcess, kWindowTimeoutMs);
+            CloseHandle(info.hThread);
+            CloseHandle(info.hProcess);
         }
         if (output != INVALID_HANDLE_VALUE) CloseHandle(output);
     }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
 
-    std::string Output() const {
-        std::string text;
-        HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return text;
-        char chunk[4096];
-        DWORD got = 0;
-        while (ReadFile(file, chunk, sizeof chunk, &got, nullptr) && got > 0) text.append(chunk, got);
-        CloseHandle(file);
-        return text;
+    bool Ended() const { return !started || WaitForSingleObject(info.hProcess, 0) == WAIT_OBJECT_0; }
+    // The exit code once the process has ended within the time, or -1.
+    long WaitForExit(DWORD timeoutMs = kWindowTimeoutMs) const {
+        DWORD code = 0;
+        if (!started || WaitForSingleObject(info.hProcess, timeoutMs) != WAIT_OBJECT_0) return -1;
+        return GetExitCodeProcess(info.hProcess, &code) ? static_cast<long>(code) : -1;
     }
-    // Polls the output until it holds `texts` in this order; false after the timeout.
-    bool WaitForOutput(std::initializer_list<std::string> texts, DWORD timeoutMs = kStartTimeoutMs) const {
-        for (DWORD waited = 0;; waited += 100) {
-            if (HoldsInOrder(Output(), texts)) return true;
-            if (waited >= timeoutMs) return false;
-            Sleep(100);
-        }
-    }
-    bool WaitForExit(DWORD timeoutMs = kStartTimeoutMs) const {
-        return WaitForSingleObject(process.hProcess, timeoutMs) == WAIT_OBJECT_0;
+    std::string Output() const { return ReadAll(path); }
+    bool WaitForOutput(std::initializer_list<std::string> texts, DWORD timeoutMs = kWindowTimeoutMs) const {
+        return WaitUntil([&] { return HoldsInOrder(Output(), texts); }, timeoutMs, 100);
     }
 
     bool started = false;
+    PROCESS_INFORMATION info{};
 
 private:
     std::wstring path;
     HANDLE output = INVALID_HANDLE_VALUE;
-    PROCESS_INFORMATION process{};
 };
 
 }  // namespace veltor::test

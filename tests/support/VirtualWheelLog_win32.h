@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "ChildProcess_win32.h"
+
 namespace veltor::test {
 
 // One line of the virtual wheel's call log: steady-clock microseconds, the call, then its details.
@@ -36,12 +38,7 @@ inline std::vector<LogLine> ReadLog(const std::wstring& path) {
 // Reads the log into `lines` until `holds(lines)`; false when the deadline passes first.
 template <class Condition>
 bool WaitForLog(const std::wstring& path, Condition holds, std::vector<LogLine>& lines, DWORD timeoutMs = 60000) {
-    for (DWORD waited = 0;; waited += 50) {
-        lines = ReadLog(path);
-        if (holds(lines)) return true;
-        if (waited >= timeoutMs) return false;
-        Sleep(50);
-    }
+    return WaitUntil([&] { return holds(lines = ReadLog(path)); }, timeoutMs, 50);
 }
 
 inline size_t CountOf(const std::vector<LogLine>& log, const char* call, const char* part = "") {

@@ -1,62 +1,98 @@
 // The update as a user meets it: a test build of the program (gripline_loopback, 0.1.0.134, asking the
 // test server on localhost) in a folder of its own, its log panel and its message boxes, answered by
 // pressing their buttons, and the real restart through cmd.exe into the newer test build
-// (gripline_loopback_next, 0.1.0.135) that the feed offers.
+// (gripline_loopback_next, 0.1.0.135) that the feed offers. The test server (tests/update/update-server.sh,
+// started by scripts/test) plays what its folder says: the files it serves, their faults, its greeting.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "ProgramWindow_win32.h"
-#include "TestFeed_win32.h"
+#include "update/RestartScript.h"
+#include "update/Sha256.h"
+#include "update/Utf8Text.h"
+#include "update/WriteBytes.h"
 
-namespace veltor {
+namespace veltor::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-using test::ReadAll;
-using test::Serve;
 
 constexpr DWORD kDeadlineMs = 120000;  // generous: a busy machine, a cold prefix, cmd.exe's pauses
 constexpr int kUpdateButton = 1127;
 constexpr wchar_t kMainClass[] = L"VeltorCommercialWindow";
 
+const fs::path kServerDir = fs::path(ProgramPath(VELTOR_UPDATE_SERVER_DIR));
 const std::string kFolder = "/uploads/veltor/commercial/0.1.0.135/";
 const std::string kAppPath = kFolder + "Gripline.exe";
 const std::string kAnalyzerPath = kFolder + "VeltorCommercialAnalyzer.exe";
 const std::string kNewAnalyzer = "the analyzer of 0.1.0.135";  // copied by the script, never started
 
+template <typename Condition>
+bool WaitFor(Condition condition) {
+    return WaitUntil(condition, kDeadlineMs);
+}
+
+void Put(const fs::path& path, const std::string& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+// A switch file of the server: written, or removed for an empty text.
+void SetSwitch(const fs::path& path, const std::string& text) {
+    fs::remove(path);
+    if (!text.empty()) Put(path, text);
+}
+
+std::string ServerRequests() { return ReadAll(kServerDir / "requests.log"); }
+bool ServerLogged(const std::string& line) { return ServerRequests().find(line) != std::string::npos; }
+
+std::string HashHex(const std::string& bytes) {
+    Sha256Digest digest{};
+    Sha256(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), digest);
+    std::string hex;
+    for (const uint8_t b : digest) hex += std::string{"0123456789abcdef"[b >> 4], "0123456789abcdef"[b & 15]};
+    return hex;
+}
+
 const std::string& NewApp() {
-    static const std::string bytes = ReadAll(test::ProgramPath(VELTOR_LOOPBACK_NEXT_EXE));
+    static const std::string bytes = ReadAll(ProgramPath(VELTOR_LOOPBACK_NEXT_EXE));
     return bytes;
 }
 
 // A manifest as the release script writes it: the four keys and both hashes.
 std::string Manifest(const std::string& version, const std::string& notes) {
     return "{\n  \"version\": \"" + version + "\",\n  \"appPath\": \"" + kAppPath + "\",\n  \"analyzerPath\": \"" +
-           kAnalyzerPath + "\",\n  \"notes\": \"" + notes + "\",\n  \"appSha256\": \"" + test::HashHex(NewApp()) +
-           "\",\n  \"analyzerSha256\": \"" + test::HashHex(kNewAnalyzer) + "\"\n}\n";
+           kAnalyzerPath + "\",\n  \"notes\": \"" + notes + "\",\n  \"appSha256\": \"" + HashHex(NewApp()) +
+           "\",\n  \"analyzerSha256\": \"" + HashHex(kNewAnalyzer) + "\"\n}\n";
 }
 
-// The feed offering `manifest`, with a fault for each of its three files, and the server's greeting.
-void SetFeed(const std::string& manifest, const char* manifestFault = "", const char* appFault = "",
-             const char* analyzerFault = "", const char* serverSwitch = "") {
-    Serve("/uploads/veltor/commercial/latest.json", manifest, manifestFault);
-    Serve(kAppPath, NewApp(), appFault);
-    Serve(kAnalyzerPath, kNewAnalyzer, analyzerFault);
-    test::SetServerSwitch(serverSwitch);
+// The feed offering `manifest`; `fault` names what misbehaves and how: a file of the feed and its fault
+// ("latest.json status 500", "Gripline.exe cut 20000", "... slow S"), or the server's greeting ("switch down",
+// "switch untrusted").
+void SetFeed(const std::string& manifest, const std::string& fault = "") {
+    const std::string target = fault.substr(0, fault.find(' ')), how = fault.substr(fault.find(' ') + 1);
+    const std::pair<std::string, std::string> files[] = {{"/uploads/veltor/commercial/latest.json", manifest},
+                                                         {kAppPath, NewApp()}, {kAnalyzerPath, kNewAnalyzer}};
+    for (const auto& [urlPath, body] : files) {
+        const fs::path file = kServerDir / "feed" / fs::path(urlPath.substr(1)).make_preferred();
+        Put(file, body);
+        SetSwitch(fs::path(file) += ".fault", file.filename() == target ? how : "");
+    }
+    SetSwitch(kServerDir / "switch", target == "switch" ? how : "");
 }
 
-const fs::path kNewAppFile = fs::path(test::TempPath(L"Veltor_Commercial.update.exe"));
-const fs::path kNewAnalyzerFile = fs::path(test::TempPath(L"Veltor_Commercial_Analyzer.update.exe"));
+const fs::path kNewAppFile = fs::path(TempPath(L"Veltor_Commercial.update.exe"));
+const fs::path kNewAnalyzerFile = fs::path(TempPath(L"Veltor_Commercial_Analyzer.update.exe"));
 
 std::vector<fs::path> RestartScripts() {
     std::vector<fs::path> found;
-    for (const auto& entry : fs::directory_iterator(fs::path(test::TempPath(L"")))) {
+    for (const auto& entry : fs::directory_iterator(fs::path(TempPath(L"")))) {
         const std::wstring name = entry.path().filename().wstring();
         if (name.rfind(L"Veltor-Commercial-Update-", 0) == 0 && entry.path().extension() == L".cmd") {
             found.push_back(entry.path());
@@ -71,42 +107,22 @@ void RemoveUpdateFiles() {
     for (const fs::path& script : RestartScripts()) fs::remove(script);
 }
 
-template <typename Condition>
-bool WaitFor(Condition condition) {
-    const ULONGLONG until = GetTickCount64() + kDeadlineMs;
-    while (!condition()) {
-        if (GetTickCount64() > until) return false;
-        Sleep(20);
-    }
-    return true;
-}
-
 // A box's message: the longest text among its labels.
 std::wstring BoxText(HWND box) {
-    std::wstring text;
-    EnumChildWindows(
-        box,
-        [](HWND child, LPARAM context) -> BOOL {
-            wchar_t name[16];
-            auto& longest = *reinterpret_cast<std::wstring*>(context);
-            const std::wstring label = test::WindowText(child);
-            if (GetClassNameW(child, name, 16) > 0 && std::wstring(name) == L"Static" && label.size() > longest.size()) {
-                longest = label;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&text));
-    return text;
+    std::wstring longest;
+    for (HWND child : Descendants(box)) {
+        const std::wstring label = WindowText(child);
+        if (ClassName(child) == L"Static" && label.size() > longest.size()) longest = label;
+    }
+    return longest;
 }
 
-bool HasBox(DWORD processId) { return test::FindProcessWindow(processId, L"#32770") != nullptr; }
+bool HasBox(DWORD processId) { return FindProcessWindow(processId, L"#32770") != nullptr; }
 
 // The session log, the last child, once the window has made it.
 HWND LogPanel(HWND window) {
     HWND last = window != nullptr ? GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST) : nullptr;
-    wchar_t name[16] = {};
-    const bool made = last != nullptr && GetClassNameW(last, name, 16) > 0 && std::wstring(name) == L"Edit" &&
-                      (GetWindowLongW(last, GWL_STYLE) & ES_MULTILINE) != 0;
+    const bool made = last != nullptr && ClassName(last) == L"Edit" && (GetWindowLongW(last, GWL_STYLE) & ES_MULTILINE);
     return made ? last : nullptr;
 }
 
@@ -119,49 +135,30 @@ void Settle(HWND window) {
 // Posted, as a click is: the program's thread may be about to block in the flow.
 void Click(HWND button) { PostMessageW(button, BM_CLICK, 0, 0); }
 
-// One run of the program, started from `exe` with the show command given.
-class Program {
+// One run of the program, started from `exe` with the show command given, and its window once it has made
+// its log panel; closed as its close box does when this goes.
+class Program : public Process {
 public:
-    Program(const std::wstring& exe, WORD showCommand) {
-        std::wstring line = L"\"" + exe + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESHOWWINDOW;
-        startup.wShowWindow = showCommand;
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
+    Program(const fs::path& exe, WORD showCommand) : Process(exe.wstring(), L"", L"", showCommand) {
         WaitFor([&] {
-            Window = test::FindProcessWindow(info.dwProcessId, kMainClass);
+            Window = FindProcessWindow(Id(), kMainClass);
             Log = LogPanel(Window);
             return Log != nullptr || Ended();
         });
         if (Log == nullptr) Window = nullptr;
     }
     ~Program() {
-        if (info.hProcess == nullptr) return;
-        if (!Ended()) {
-            PostMessageW(Window, WM_CLOSE, 0, 0);
-            if (WaitForSingleObject(info.hProcess, kDeadlineMs) != WAIT_OBJECT_0) TerminateProcess(info.hProcess, 99);
-        }
-        CloseHandle(info.hThread);
-        CloseHandle(info.hProcess);
+        if (!Ended()) PostMessageW(Window, WM_CLOSE, 0, 0);
+        WaitForExit(kDeadlineMs);
     }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
 
-    bool Ended() const { return WaitForSingleObject(info.hProcess, 0) == WAIT_OBJECT_0; }
-    // The exit code once the process has ended within the deadline, or -1.
-    long WaitForExit() const {
-        DWORD code = 0;
-        if (WaitForSingleObject(info.hProcess, kDeadlineMs) != WAIT_OBJECT_0) return -1;
-        return GetExitCodeProcess(info.hProcess, &code) ? static_cast<long>(code) : -1;
-    }
     DWORD Id() const { return info.dwProcessId; }
-    std::wstring LogText() const { return test::WindowText(Log); }
+    std::wstring LogText() const { return WindowText(Log); }
     // The program's message box once it shows its text and a button, or null.
     HWND WaitForBox() const {
         HWND box = nullptr;
         WaitFor([&] {
-            box = test::FindProcessWindow(Id(), L"#32770");
+            box = FindProcessWindow(Id(), L"#32770");
             const bool ready = box != nullptr && IsWindowVisible(box) && !BoxText(box).empty() &&
                                (GetDlgItem(box, IDOK) != nullptr || GetDlgItem(box, IDNO) != nullptr);
             return ready || Ended();
@@ -171,9 +168,6 @@ public:
 
     HWND Window = nullptr;
     HWND Log = nullptr;
-
-private:
-    PROCESS_INFORMATION info{};
 };
 
 // The program's folder, with a blank and a letter beyond ASCII in its name, holding the test build as
@@ -181,17 +175,17 @@ private:
 class UpdateFlow : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(test::ServerRuns()) << "No update test server: start it with tests/update/update-server.sh start "
-                                        << VELTOR_UPDATE_SERVER_DIR;
+        ASSERT_TRUE(fs::exists(kServerDir / "server.pid"))
+            << "No update test server: start it with tests/update/update-server.sh start " << VELTOR_UPDATE_SERVER_DIR;
         fs::remove_all(folder);
         fs::create_directories(folder);
-        ASSERT_TRUE(fs::copy_file(test::ProgramPath(VELTOR_LOOPBACK_EXE), app));
-        test::Put(analyzer, "the analyzer of 0.1.0.134");
+        ASSERT_TRUE(fs::copy_file(ProgramPath(VELTOR_LOOPBACK_EXE), app));
+        Put(analyzer, "the analyzer of 0.1.0.134");
         RemoveUpdateFiles();
     }
     // Whatever a failed test left running, the old program or the new one, goes by force.
     void TearDown() override {
-        test::SetServerSwitch("");
+        SetSwitch(kServerDir / "switch", "");
         for (HWND window = FindWindowW(kMainClass, nullptr); window != nullptr; window = FindWindowW(kMainClass, nullptr)) {
             DWORD id = 0;
             GetWindowThreadProcessId(window, &id);
@@ -216,7 +210,7 @@ protected:
             ASSERT_NE(box, nullptr) << "no question";
             EXPECT_EQ(BoxText(box), question);
             Click(GetDlgItem(box, answer));
-            EXPECT_TRUE(WaitFor([&] { return !IsWindow(box); })) << "the question stayed";
+            EXPECT_TRUE(WaitGone(box)) << "the question stayed";
         }
         std::wstring expected = before + L"Checking for Commercial updates...\r\n";
         for (const std::wstring& line : lines) expected += line + L"\r\n";
@@ -226,7 +220,7 @@ protected:
         EXPECT_FALSE(HasBox(program.Id()));
     }
 
-    const fs::path folder = fs::path(test::TempPath(L"Gripline \u00dcpdate test"));
+    const fs::path folder = fs::path(TempPath(L"Gripline \u00dcpdate test"));
     const fs::path app = folder / L"Gripline.exe";
     const fs::path analyzer = folder / L"Veltor Commercial Analyzer.exe";
 };
@@ -238,7 +232,7 @@ constexpr wchar_t kOfferLines[] = L"Update available: version 0.1.0.135. Click U
 TEST_F(UpdateFlow, AtStartAnOfferIsLoggedAndShownOnlyOnAWindowInSight) {
     SetFeed(Manifest("0.1.0.135", kNotes));
     for (const WORD show : {SW_SHOWNORMAL, SW_SHOWMINNOACTIVE}) {
-        Program program(app.wstring(), show);
+        Program program(app, show);
         ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
         EXPECT_TRUE(WaitFor([&] { return program.LogText().find(kOfferLines) != std::wstring::npos; }));
         if (show == SW_SHOWMINNOACTIVE) {
@@ -249,24 +243,24 @@ TEST_F(UpdateFlow, AtStartAnOfferIsLoggedAndShownOnlyOnAWindowInSight) {
         }
         HWND notice = program.WaitForBox();
         ASSERT_NE(notice, nullptr);
-        EXPECT_EQ(test::WindowText(notice), L"Gripline");
+        EXPECT_EQ(WindowText(notice), L"Gripline");
         EXPECT_EQ(BoxText(notice), L"A new version of Gripline is available: 0.1.0.135.\n\n"
                                    L"Smoother grip model, tested in Z\u00fcrich.\n\n"
                                    L"Click the Update button to download and install it.");
         EXPECT_EQ(GetDlgItem(notice, IDYES), nullptr);
         Click(GetDlgItem(notice, IDOK));
-        EXPECT_TRUE(WaitFor([&] { return !IsWindow(notice); }));
+        EXPECT_TRUE(WaitGone(notice));
     }
-    EXPECT_TRUE(test::ServerLogged("GET /uploads/veltor/commercial/latest.json?v=0.1.0.134 Veltor Updater/0.1.0.134\n"));
+    EXPECT_TRUE(ServerLogged("GET /uploads/veltor/commercial/latest.json?v=0.1.0.134 Veltor Updater/0.1.0.134\n"));
 }
 
 // A start with the server down shows no trace; then each failure of a press leaves the program as it was,
 // until the offer is accepted and the program restarts into the new version.
 TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestartsIntoTheNewVersion) {
     const std::string offer = Manifest("0.1.0.135", kNotes);
-    SetFeed(offer, "", "", "", "down");
+    SetFeed(offer, "switch down");
     const std::string oldApp = ReadAll(app);
-    Program program(app.wstring(), SW_SHOWNORMAL);
+    Program program(app, SW_SHOWNORMAL);
     ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
     // The wheels are listed just before the check; once they are, the next message waits for its end.
     EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
@@ -281,31 +275,25 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     const struct {
         const char* name;
         std::string manifest;
-        const char* manifestFault;
-        const char* appFault;
-        const char* analyzerFault;
-        const char* serverSwitch;
+        const char* fault;
         int answer;  // to the question, or 0 where none may come
         std::vector<std::wstring> lines;
         bool appFileStays;
     } cases[] = {
-        {"server down", offer, "", "", "", "down", 0, {L"Update check failed: The update server did not respond."},
+        {"server down", offer, "switch down", 0, {L"Update check failed: The update server did not respond."}, false},
+        {"status 500", offer, "latest.json status 500", 0, {L"Update check failed: The update server returned HTTP 500."},
          false},
-        {"status 500", offer, "status 500", "", "", "", 0,
-         {L"Update check failed: The update server returned HTTP 500."}, false},
-        {"manifest without appPath", R"({"version":"0.1.0.135","analyzerPath":"/a.exe"})", "", "", "", "", 0,
+        {"manifest without appPath", R"({"version":"0.1.0.135","analyzerPath":"/a.exe"})", "", 0,
          {L"Update check failed: the update manifest is invalid."}, false},
-        {"untrusted certificate", offer, "", "", "", "untrusted", 0,
+        {"untrusted certificate", offer, "switch untrusted", 0,
          {L"Update check failed: The update server did not respond."}, false},
-        {"lower version", Manifest("0.1.0.9", ""), "", "", "", "", 0,
-         {L"No update available. Current version: 0.1.0.134."}, false},
-        {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", "", "", "", 0,
+        {"lower version", Manifest("0.1.0.9", ""), "", 0, {L"No update available. Current version: 0.1.0.134."}, false},
+        {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", 0,
          {L"No update available. Current version: 0.1.0.134.", L"Feed note: Same build, new notes."}, false},
-        {"answered No", offer, "", "", "", "", IDNO, {}, false},
-        {"app download cut short", offer, "", "cut 20000", "", "", IDYES,
-         {downloadingApp, L"Update failed while downloading the app: the download does not match the manifest."},
-         false},
-        {"analyzer download fails", offer, "", "", "status 503", "", IDYES,
+        {"answered No", offer, "", IDNO, {}, false},
+        {"app download cut short", offer, "Gripline.exe cut 20000", IDYES,
+         {downloadingApp, L"Update failed while downloading the app: the download does not match the manifest."}, false},
+        {"analyzer download fails", offer, "VeltorCommercialAnalyzer.exe status 503", IDYES,
          {downloadingApp, downloadingAnalyzer,
           L"Update failed while downloading the analyzer: The update server returned HTTP 503."},
          true},
@@ -313,8 +301,8 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         RemoveUpdateFiles();
-        SetFeed(c.manifest, c.manifestFault, c.appFault, c.analyzerFault, c.serverSwitch);
-        const size_t requestsBefore = test::ServerRequests().size();
+        SetFeed(c.manifest, c.fault);
+        const size_t requestsBefore = ServerRequests().size();
         PressUpdate(program, c.answer != 0 ? question : nullptr, c.answer, c.lines);
 
         EXPECT_FALSE(program.Ended());
@@ -323,7 +311,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
         EXPECT_TRUE(ReadAll(kNewAppFile) == (c.appFileStays ? NewApp() : "")) << "the app's update file";
         EXPECT_FALSE(fs::exists(kNewAnalyzerFile));
         EXPECT_TRUE(RestartScripts().empty());
-        const bool downloaded = test::ServerRequests().find(kFolder, requestsBefore) != std::string::npos;
+        const bool downloaded = ServerRequests().find(kFolder, requestsBefore) != std::string::npos;
         EXPECT_EQ(downloaded, c.answer == IDYES);
     }
 
@@ -345,8 +333,8 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     HWND next = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (next = FindWindowW(kMainClass, L"Gripline v0.1.0.135")) != nullptr; }))
         << "the new version did not start";
-    EXPECT_TRUE(test::ServerLogged("GET " + kAppPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
-    EXPECT_TRUE(test::ServerLogged("GET " + kAnalyzerPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
+    EXPECT_TRUE(ServerLogged("GET " + kAppPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
+    EXPECT_TRUE(ServerLogged("GET " + kAnalyzerPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
     EXPECT_TRUE(ReadAll(app) == NewApp()) << "the program was not replaced";
     EXPECT_EQ(ReadAll(analyzer), kNewAnalyzer) << "the analyzer was not replaced";
     EXPECT_FALSE(fs::exists(kNewAppFile));
@@ -354,17 +342,45 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     EXPECT_TRUE(WaitFor([] { return RestartScripts().empty(); })) << "the script stayed";
 
     // The new version asks with its own version, is offered nothing newer, and says nothing.
-    EXPECT_TRUE(WaitFor([] { return test::ServerLogged("latest.json?v=0.1.0.135 Veltor Updater/0.1.0.135\n"); }));
+    EXPECT_TRUE(WaitFor([] { return ServerLogged("latest.json?v=0.1.0.135 Veltor Updater/0.1.0.135\n"); }));
     Settle(next);
     DWORD nextId = 0;
     GetWindowThreadProcessId(next, &nextId);
     EXPECT_FALSE(HasBox(nextId));
-    EXPECT_EQ(test::WindowText(LogPanel(next)).find(L"Update"), std::wstring::npos);
-    HANDLE nextProcess = OpenProcess(SYNCHRONIZE, FALSE, nextId);
+    EXPECT_EQ(WindowText(LogPanel(next)).find(L"Update"), std::wstring::npos);
     PostMessageW(next, WM_CLOSE, 0, 0);
-    EXPECT_EQ(WaitForSingleObject(nextProcess, kDeadlineMs), WAIT_OBJECT_0);
-    CloseHandle(nextProcess);
+    EXPECT_TRUE(WaitGone(next));
+}
+
+// The restart script under cmd.exe when the program never lets go of its file: it gives up after ten
+// failed copies and touches nothing. Its way through is the accepted update above.
+TEST(RestartScriptRun, GivesUpAfterTenFailedCopiesAndTouchesNothing) {
+    const fs::path folder = fs::path(TempPath(L"gripline restart test"));  // a blank to quote
+    const fs::path app = folder / L"Gripline.exe";
+    const fs::path analyzer = folder / kAnalyzerFileName;
+    const fs::path newApp = fs::path(TempPath(kNewAppFileName));
+    const fs::path newAnalyzer = fs::path(TempPath(kNewAnalyzerFileName));
+    const std::pair<fs::path, std::string> files[] = {
+        {app, "old app"}, {analyzer, "old analyzer"}, {newApp, "new app"}, {newAnalyzer, "new analyzer"}};
+    fs::remove_all(folder);
+    for (const auto& [file, text] : files) Put(file, text);
+    const fs::path script = RestartScriptPath(TempPath(L""), GetTickCount());
+    ASSERT_TRUE(WriteText(script.wstring(), RestartScriptText(WideToUtf8(newApp.wstring()), WideToUtf8(app.wstring()),
+                                                              WideToUtf8(newAnalyzer.wstring()),
+                                                              WideToUtf8(analyzer.wstring()))));
+
+    // Held open without sharing, as a running program holds its executable.
+    HANDLE running = CreateFileW(app.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(running, INVALID_HANDLE_VALUE);
+    Process cmd(L"cmd.exe", L"/c \"" + script.wstring() + L"\"");
+    EXPECT_EQ(cmd.WaitForExit(kDeadlineMs), 1);
+    CloseHandle(running);
+
+    for (const auto& [file, text] : files) EXPECT_EQ(ReadAll(file), text) << file;
+    EXPECT_TRUE(fs::exists(script));
+    for (const fs::path& file : {script, newApp, newAnalyzer}) fs::remove(file);
+    fs::remove_all(folder);
 }
 
 }  // namespace
-}  // namespace veltor
+}  // namespace veltor::test

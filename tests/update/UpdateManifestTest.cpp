@@ -35,6 +35,7 @@ TEST(ParseVersion, AcceptsFourNumbersAndLeavesThePartsAloneOnFailure) {
     }
 }
 
+// A plain value and UTF-8 text are read by the update flow's test under Wine; here are the odd ones.
 TEST(JsonStringValue, ScansForwardWithoutDecoding) {
     struct Case {
         const char* text;
@@ -42,8 +43,6 @@ TEST(JsonStringValue, ScansForwardWithoutDecoding) {
         const wchar_t* value;
     };
     const Case cases[] = {
-        {R"({"version": "0.1.0.135", "notes":"x"})", "version", L"0.1.0.135"},
-        {"{\"notes\":\"Gr\xC3\xBC\xC3\x9F" "e\"}", "notes", L"Gr\u00fc\u00dfe"},
         {R"({"notes":"say \"hi\""})", "notes", L"say \\"},  // an escaped quote ends the value
         {R"({"version":1,"appPath":"/a"})", "version", L"appPath"},  // runs on to the next string
         {R"({"tag":"version","notes":"n","version":"2"})", "version", L"n"},  // found inside a value first
@@ -70,7 +69,6 @@ TEST(ParseManifest, NeedsVersionBothPathsAndWellFormedHashes) {
         {"{" + base + R"(,"appSha256":")" + hash + R"(","analyzerSha256":")" + std::string(64, 'F') + "\"}", true},
         {"{" + base + R"(,"appSha256":")" + hash.substr(1) + "\"}", false},
         {"{" + base + R"(,"analyzerSha256":")" + hash.substr(1) + "g\"}", false},
-        {R"({"version":"0.1.0.135","analyzerPath":"/b.exe"})", false},
         {R"({"version":"0.1.0.135","appPath":"/a.exe"})", false},
         {R"({"version":"0.1.0","appPath":"/a.exe","analyzerPath":"/b.exe"})", false},
         {"", false},
@@ -79,10 +77,8 @@ TEST(ParseManifest, NeedsVersionBothPathsAndWellFormedHashes) {
 }
 
 TEST(UpdatePath, VersionQueryAndFileName) {
-    EXPECT_EQ(AddVersionQuery(L"/f/latest.json", L"0.1.0.134"), L"/f/latest.json?v=0.1.0.134");
     EXPECT_EQ(AddVersionQuery(L"/f/a.exe?x=1", L"1.2.3.4"), L"/f/a.exe?x=1&v=1.2.3.4");
     EXPECT_EQ(AddVersionQuery(L"/f/a.exe", L""), L"/f/a.exe");
-    EXPECT_EQ(UrlFileName(L"/f/Gripline.exe?v=1.2.3.4"), L"Gripline.exe");
     EXPECT_EQ(UrlFileName(L"/f/a.exe#top"), L"a.exe");
     EXPECT_EQ(UrlFileName(L"dir\\b.exe"), L"b.exe");
     EXPECT_EQ(UrlFileName(L"plain.exe"), L"plain.exe");

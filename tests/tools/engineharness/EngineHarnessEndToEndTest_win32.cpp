@@ -60,15 +60,15 @@ TEST(EngineHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRe
     // track from 3 s, away from 5 s to 7 s, frozen from 10 s to 12 s, another driver from 14 s. The
     // session's user id differs from the block's, so the name is not known; the wheelbase mode sets the
     // suppression from the force strength.
-    Child harness(L"\"" + ProgramPath(VELTOR_HARNESS_EXE) + L"\" --seconds 0 --stop-file \"" + stopPath +
-                      L"\" SimucubeMode=1 ForceStrength=40",
-                  TempPath(L"veltor_e2e_wheel_harness.txt"));
+    Process harness(ProgramPath(VELTOR_HARNESS_EXE),
+                    L"--seconds 0 --stop-file \"" + stopPath + L"\" SimucubeMode=1 ForceStrength=40",
+                    TempPath(L"veltor_e2e_wheel_harness.txt"));
     ASSERT_TRUE(harness.started);
     ASSERT_TRUE(harness.WaitForOutput({"status: disconnected"})) << harness.Output();
-    Child simulator(L"\"" + ProgramPath(VELTOR_SIMULATOR_EXE) +
-                        L"\" --seconds 120 --identity differing-ids --disappear-at 5 --absent-for 2 --freeze-at 10 "
-                        L"--freeze-for 2 --swap-identity-at 14",
-                    TempPath(L"veltor_e2e_wheel_simulator.txt"));
+    Process simulator(ProgramPath(VELTOR_SIMULATOR_EXE),
+                      L"--seconds 120 --identity differing-ids --disappear-at 5 --absent-for 2 --freeze-at 10 "
+                      L"--freeze-for 2 --swap-identity-at 14",
+                      TempPath(L"veltor_e2e_wheel_simulator.txt"));
     ASSERT_TRUE(simulator.started);
     ASSERT_TRUE(harness.WaitForOutput(
         {"status: connected, on track, car bmwm4gt3, driver \"Synthetic Driver\", user id 424242, name known 0",
@@ -100,7 +100,7 @@ TEST(EngineHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRe
 
     // The stop: 2000 / 40 = 50 Nm as 16.16 went out once for the whole connection, and 40 Nm comes back.
     CloseHandle(CreateFileW(stopPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    ASSERT_TRUE(harness.WaitForExit()) << harness.Output();
+    ASSERT_EQ(harness.WaitForExit(), 0) << harness.Output();
     EXPECT_TRUE(simulator.WaitForOutput({"maximum force 2621440"}, 10000)) << simulator.Output();
     const std::string status = harness.Output();
     EXPECT_EQ(LastValue(status, "stalls "), 2) << status;
