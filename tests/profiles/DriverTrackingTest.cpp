@@ -85,6 +85,8 @@ TEST(DriverTracking, ACarWithoutAnEntryStartsFromTheProfileAndKeepsWhatWasChange
     const std::array<int32_t, 5> unmatched{400, 0, 90, 100, 100};
     EXPECT_EQ(t.view.carLabel, L"Car: generic (unknown)");
     EXPECT_EQ(t.view.carSliders, unmatched);
+    t.tracking.ChangeSetting(&EngineSettings::Understeer, 5);
+    EXPECT_EQ(t.store.Profiles[0].Settings.Understeer, 5) << "without a car the profile owns the live record";
 
     t.SeeCar(L" BMWM4GT3 ");
     EXPECT_EQ(t.view.LastLog(), L"Using driver profile settings for this car.");
@@ -107,9 +109,17 @@ TEST(DriverTracking, ACarWithoutAnEntryStartsFromTheProfileAndKeepsWhatWasChange
     EXPECT_EQ(t.view.carLabel, L"Car: bmwm4gt3");
 }
 
-TEST(DriverTracking, WithCarSettingsOffACarChangeMovesOnlyTheCarPanel) {
+// Unticked, the driver profile owns the live record and a car change moves only the car panel; ticked again,
+// the car's entry is back.
+TEST(DriverTracking, CarSpecificCheckboxHandsTheRecordToTheProfileUntilTickedAgain) {
     TrackedStore t;
+    t.SeeCar(L"mx5 mx52016");
+    t.tracking.ChangeSetting(&EngineSettings::Bumps, 70);  // the car's entry
     t.tracking.ToggleCarSpecific(false);
+    EXPECT_EQ(t.view.LastLog(), L"Car specific settings disabled.");
+    EXPECT_EQ(t.view.shown.Bumps, 20);
+    EXPECT_FALSE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
+
     t.tracking.ChangeSetting(&EngineSettings::Damping, 30);
     const int publications = t.view.settingsPublications;
     t.view.log.clear();
@@ -120,18 +130,8 @@ TEST(DriverTracking, WithCarSettingsOffACarChangeMovesOnlyTheCarPanel) {
     EXPECT_EQ(t.view.carLabel, L"Car: mystery car (unknown)");
     t.tracking.ChangeSetting(&EngineSettings::Damping, 40);
     EXPECT_EQ(t.store.Profiles[0].Settings.Damping, 40) << "the driver profile still owns the live record";
-}
 
-TEST(DriverTracking, CarSpecificCheckboxTakesTheCarEntryAndGivesItBack) {
-    TrackedStore t;
     t.SeeCar(L"mx5 mx52016");
-    t.tracking.ChangeSetting(&EngineSettings::Bumps, 70);  // the car's entry
-
-    t.tracking.ToggleCarSpecific(false);
-    EXPECT_EQ(t.view.LastLog(), L"Car specific settings disabled.");
-    EXPECT_EQ(t.view.shown.Bumps, 20);
-    EXPECT_FALSE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
-
     t.tracking.ToggleCarSpecific(true);
     EXPECT_EQ(t.view.LastLog(), L"Car specific settings enabled.");
     EXPECT_EQ(t.view.shown.Bumps, 70);

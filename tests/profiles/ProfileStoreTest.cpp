@@ -318,29 +318,5 @@ TEST(ProfileStore, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheAcc
     }
 }
 
-TEST(ProfileStore, SyncCurrentSettingsWritesToTheCarEntryOnlyWhileItOwnsTheLiveRecord) {
-    struct Case {
-        bool carSpecific;
-        const wchar_t* car;
-        int32_t selected;
-        bool carOwns;
-    };
-    const Case cases[] = {{true, L"rt2000", 0, true}, {false, L"rt2000", 0, false}, {true, L" Generic", 0, false},
-                          {true, L"", 0, false},      {true, L"rt2000", 1, false}};
-    for (const Case& c : cases) {
-        ProfileStore store(L"unused.ini");
-        store.Profiles = {{L"A", Distinct(1)}};
-        store.SelectedProfile = c.selected;
-        store.CurrentCarPath = c.car;
-        store.CurrentSettings = Distinct(9);
-        store.CurrentSettings.UseCarSpecificSettings = c.carSpecific;
-        EXPECT_EQ(store.CarSettingsActive(), c.carOwns);
-        store.SyncCurrentSettings();
-        EXPECT_EQ(store.CarProfiles.size(), c.carOwns ? 1u : 0u) << c.car;
-        const bool profileTook = !c.carOwns && c.selected == 0;
-        EXPECT_EQ(store.Profiles[0].Settings.ForceStrength, profileTook ? 9 : 1) << c.car;
-    }
-}
-
 }  // namespace
 }  // namespace veltor
