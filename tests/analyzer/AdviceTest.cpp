@@ -1,13 +1,12 @@
-// What the analyzer advises for given findings, and what it writes to the advice file.
+// What the analyzer advises for given findings, and what the program reads back from its advice file.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 #include "AnalyzerTestFiles.h"
 #include "analyzer/AdviceFile.h"
-#include "profiles/IniEncoding.h"
+#include "profiles/AnalyzerAdvice.h"
 
 namespace veltor::analyzer {
 namespace {
@@ -66,6 +65,8 @@ TEST(BuildAdvice, ProposesOnlyWhatTheFindingsJustify) {
              a.fit = {900, 0.95, 33.04, 0.0, true, false, "", "held"};
          },
          AdviceKey::YawRateMultiplier, true, 33.0, "900 records with grip gives 33.0 (R² 0.95)"},
+        {"a refused fit says why", [](Analysis&, RecordingHeader&) {}, AdviceKey::LateralAccelDivisor, false, 90.0,
+         "not fitted: no fit here"},
         {"no car, no coefficients",
          [](Analysis& a, RecordingHeader& h) {
              a.fit = {900, 0.95, 33.0, 0.0, true, false, "", "held"};
@@ -109,31 +110,34 @@ Advice TwoGroupAdvice(const char* profile) {
     return advice;
 }
 
-TEST(AdviceFileText, WritesTheAdvisedValuesAndEveryApplyFlagOfAGroupInUse) {
-    EXPECT_EQ(AdviceFileText(TwoGroupAdvice("J\xC3\xB6rg")),
-              L"[Advice]\r\nVersion=1\r\nProfile=J\u00F6rg\r\nCar=bmwm4gt3\r\n"
-              L"HasProfileSettings=1\r\nForceStrength=62\r\n"
-              L"ApplyForceStrength=1\r\nApplyCarForceBalance=0\r\nApplySuspensionTexture=0\r\n"
-              L"ApplySuspensionImpactTexture=0\r\nApplySuspensionDetailPriority=0\r\nApplyAbsVibration=0\r\n"
-              L"HasCoefficientAdvice=1\r\nYawRateMultiplierTenth=330\r\nLateralAccelDivisor=70\r\n"
-              L"ApplyYawRateMultiplier=0\r\nApplyYawSteerGain=0\r\nApplyLateralAccelDivisor=1\r\n"
-              L"ApplyResistanceGain=0\r\nApplySteerMarginBias=0\r\n");
-    Advice profileOnly = TwoGroupAdvice("Driver 1");
-    profileOnly.rows.resize(2);
-    EXPECT_NE(AdviceFileText(profileOnly).find(L"HasCoefficientAdvice=0\r\n"), std::wstring::npos);
-    EXPECT_EQ(AdviceFileText(profileOnly).find(L"ApplyYawRateMultiplier"), std::wstring::npos);
-}
-
-TEST(WriteAdviceFile, WritesTheFileAsTheProgramWritesItsOwnOrNotAtAll) {
+// The program's own reader takes back the advised values and each Apply box, and an Apply flag of 0 for every
+// value not advised: absent, the reader would apply its 0.
+TEST(WriteAdviceFile, TheProgramsReaderTakesBackWhatWasAdvisedOrNoFileIsWritten) {
     test::TempFolder folder;
     std::string error;
     const std::filesystem::path file = folder.path / "advice.ini";
-    ASSERT_TRUE(WriteAdviceFile(file, TwoGroupAdvice("Driver 1"), error)) << error;
-    std::stringstream written;
-    written << std::ifstream(file, std::ios::binary).rdbuf();
-    EXPECT_EQ(written.str(), EncodeIniText(AdviceFileText(TwoGroupAdvice("Driver 1"))));
+    ASSERT_TRUE(WriteAdviceFile(file, TwoGroupAdvice("J\xC3\xB6rg"), error)) << error;
+    AnalyzerAdvice read;
+    ASSERT_TRUE(LoadAdviceFile(file.wstring(), read));
+    EXPECT_EQ(read.Profile, L"J\u00F6rg");
+    EXPECT_EQ(read.Car, L"bmwm4gt3");
+    EXPECT_TRUE(read.HasProfileSettings && read.HasCoefficientAdvice);
+    EXPECT_EQ(read.ForceStrength, 62);
+    EXPECT_EQ(read.YawRateMultiplier, 33.0f);
+    EXPECT_EQ(read.LateralAccelDivisor, 70.0f);
+    const bool applied[] = {read.ApplyForceStrength, read.ApplyCarForceBalance, read.ApplySuspensionTexture,
+                            read.ApplySuspensionImpactTexture, read.ApplySuspensionDetailPriority,
+                            read.ApplyAbsVibration, read.ApplyYawRateMultiplier, read.ApplyYawSteerGain,
+                            read.ApplyLateralAccelDivisor, read.ApplyResistanceGain, read.ApplySteerMarginBias};
+    EXPECT_THAT(applied, testing::ElementsAre(true, false, false, false, false, false, false, false, true, false, false));
 
-    EXPECT_FALSE(WriteAdviceFile(folder.path / "missing" / "advice.ini", TwoGroupAdvice("Driver 1"), error));
+    Advice profileOnly = TwoGroupAdvice("Driver 1");
+    profileOnly.rows.resize(2);
+    ASSERT_TRUE(WriteAdviceFile(file, profileOnly, error)) << error;
+    ASSERT_TRUE(LoadAdviceFile(file.wstring(), read));
+    EXPECT_FALSE(read.HasCoefficientAdvice);
+
+    EXPECT_FALSE(WriteAdviceFile(folder.path / "missing" / "advice.ini", profileOnly, error));
     EXPECT_EQ(error, "cannot write the advice file");
     EXPECT_FALSE(std::filesystem::exists(folder.path / "missing"));
 }

@@ -76,17 +76,5 @@ TEST(RunAnalyzer, AnswersEachCommandLineWithItsExitCodeMessageAndFile) {
     }
 }
 
-TEST(RunAnalyzer, ReportsTheSampleTelemetryThroughTheEngine) {
-    if (!fs::exists(test::kSampleTelemetry)) GTEST_SKIP() << "sample telemetry absent: " << test::kSampleTelemetry;
-    const CommandOutcome outcome = Analyze({"--report", test::kSampleTelemetry});
-    ASSERT_EQ(outcome.exitCode, kExitSuccess) << outcome.err;
-    EXPECT_EQ(outcome.err, "");
-    for (const char* line : {"Recording    mercedesamggt4_sample.ibt (made now from the telemetry file",
-                             "\nCar          mercedesamggt4\n", "\nProfile      Default\n",
-                             "Duration     56.2 s, 3371 records, 0 gaps", "\n  records with grip     "}) {
-        EXPECT_NE(outcome.out.find(line), std::string::npos) << line << "\n" << outcome.out;
-    }
-}
-
 }  // namespace
 }  // namespace veltor::analyzer

@@ -1,11 +1,10 @@
 #pragma once
 // Recordings and folders the analyzer's tests build on.
 #include <cstring>
-#include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "../profiles/ProfileStoreFolder.h"
 #include "engine/RecordingHook.h"
 #include "recording/RecordingHeader.h"
 #include "recording/RecordingSample.h"
@@ -40,17 +39,7 @@ inline std::vector<uint8_t> RecordingBytes(const std::vector<RecordingSample>& s
     return bytes;
 }
 
-// A fresh folder in the temporary folder, removed with everything in it.
-struct TempFolder {
-    TempFolder() {
-        path = std::filesystem::temp_directory_path() / ("veltor_analyzer_test_" + std::to_string(std::random_device{}()));
-        std::filesystem::create_directories(path);
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    std::filesystem::path path;
-};
+// A fresh folder, removed with everything in it; the program's store would lie there as IniFile().
+using TempFolder = ProfileStoreFolder;
 
 }  // namespace veltor::test

@@ -68,18 +68,5 @@ TEST(PlotData, EveryPeakSurvivesDecimationAndTheHistogramBinsByShareOfFullScale)
     EXPECT_EQ(bins[0], 6000u - 4u);
 }
 
-TEST(PlotData, TheViewsSlidersChooseTheStretchShown) {
-    struct Case {
-        int32_t span, position;
-        TimeWindow expected;
-    };
-    for (const Case& c : {Case{100, 0, {0.0, 600.0}}, Case{10, 0, {0.0, 60.0}}, Case{10, 1000, {540.0, 600.0}},
-                          Case{50, 500, {150.0, 450.0}}, Case{0, -5, {0.0, 12.0}}, Case{400, 3000, {0.0, 600.0}}}) {
-        const TimeWindow w = VisibleWindow(600.0, c.span, c.position);
-        EXPECT_NEAR(w.from, c.expected.from, 1e-9) << c.span << " " << c.position;
-        EXPECT_NEAR(w.to, c.expected.to, 1e-9) << c.span << " " << c.position;
-    }
-}
-
 }  // namespace
 }  // namespace veltor::analyzer

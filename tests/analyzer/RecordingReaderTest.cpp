@@ -1,16 +1,15 @@
-// The recording reader over recordings the engine made from real telemetry, cut ones and hostile ones.
+// The recording reader over cut and hostile recordings, and over one the engine makes from real telemetry.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <vector>
 
 #include "AnalyzerTestFiles.h"
+#include "analyzer/AnalyzerInput.h"
+#include "analyzer/RecordingAnalysis.h"
 #include "analyzer/RecordingReader.h"
-#include "replay/ReplaySession.h"
 
 namespace veltor::analyzer {
 namespace {
@@ -85,36 +84,21 @@ TEST(HeaderText, StopsAtTheNulOrBeforeACharacterCutAtTheFieldsEndAndMasksControl
     EXPECT_EQ(HeaderText(header.profileName), std::string(60, 'a') + "\xC3\xB6");
 }
 
-TEST(LoadRecording, ReadsWhatTheReplayRecordedFromRealTelemetryAndACutCopyOfIt) {
+// A telemetry file is recorded on the spot by the replay's own run and read back through the reader, whole.
+TEST(OpenForAnalysis, RecordsRealTelemetryThroughTheEngineAndReadsItBackWhole) {
     if (!fs::exists(test::kSampleTelemetry)) GTEST_SKIP() << "sample telemetry absent: " << test::kSampleTelemetry;
-    test::TempFolder folder;
-    replay::IbtImage image;
-    std::string error;
-    ASSERT_TRUE(replay::LoadIbtImage(test::kSampleTelemetry, image, error)) << error;
-    replay::ReplayOptions options;
-    options.recordPath = (folder.path / "sample.vtrrec").string();
-    replay::ReplayResult result;
-    ASSERT_TRUE(replay::RunReplay(options, replay::ScanReplayIdentity(options, image), image, result, error));
-
     Recording whole;
-    ASSERT_TRUE(LoadRecording(options.recordPath, whole, error)) << error;
+    std::string error;
+    ASSERT_TRUE(OpenForAnalysis(test::kSampleTelemetry, [](std::wstring_view) { return OfflineSettings{}; }, whole,
+                                error))
+        << error;
     EXPECT_EQ(whole.samples.size(), 3371u);
     EXPECT_EQ(HeaderText(whole.header.carPath), "mercedesamggt4");
-    EXPECT_EQ(HeaderText(whole.header.profileName), "Replay");
-    EXPECT_EQ(whole.cutBytes, 0u);
-    EXPECT_EQ(whole.nonFiniteRecords, 0u);
-
-    const fs::path cut = folder.path / "cut.vtrrec";
-    fs::copy_file(options.recordPath, cut);
-    fs::resize_file(cut, 380 + 100 * 88 + 50);
-    Recording part;
-    ASSERT_TRUE(LoadRecording(cut, part, error)) << error;
-    ASSERT_EQ(part.samples.size(), 100u);
-    EXPECT_EQ(part.cutBytes, 50u);
-    EXPECT_EQ(std::memcmp(part.samples.data(), whole.samples.data(), 100 * sizeof(RecordingSample)), 0);
-
-    EXPECT_FALSE(LoadRecording(folder.path / "absent.vtrrec", part, error));
-    EXPECT_EQ(error, "no such file");
+    EXPECT_EQ(HeaderText(whole.header.profileName), "Default");
+    EXPECT_EQ(whole.cutBytes + whole.nonFiniteRecords, 0u);
+    const Analysis analysis = AnalyseRecording(whole);
+    EXPECT_NEAR(analysis.durationSeconds, 56.2, 0.05);
+    EXPECT_TRUE(analysis.gaps.empty());
 }
 
 }  // namespace

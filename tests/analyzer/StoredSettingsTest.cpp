@@ -24,7 +24,7 @@ constexpr char kStore[] =
 
 TEST(StoredSettingsForCar, TakesTheSelectedProfileItsCarEntryAndTheOverridesOrTheDefaults) {
     test::TempFolder folder;
-    const std::filesystem::path ini = folder.path / "Veltor_profiles.ini";
+    const std::filesystem::path ini = folder.IniFile();
     std::ofstream(ini, std::ios::binary) << kStore;
     const struct {
         const wchar_t* car;

@@ -7,37 +7,29 @@
 namespace veltor {
 namespace {
 
-constexpr double kRadiansPerSecond = 219.9115f;  // 35 Hz
-
-// A sine of 3 Nm by default, 20 Nm at most, one value per output: 1/360 s apart, or 1/720 s in the
-// interpolated mode, continued across ticks with the phase kept below 2 pi.
-TEST(FillAbsVibration, ThirtyFiveHertzSineContinuesAcrossTicks) {
-    const struct {
-        int32_t percent;
-        bool interpolate;
-        int outputs;
-        double amplitude;
-    } cases[] = {{15, false, 6, 3.0}, {15, true, 12, 3.0}, {150, false, 6, 20.0}};
-    for (const auto& c : cases) {
-        EngineSettings s;
-        s.AbsVibration = c.percent;
-        TelemetryFrame frame;
-        frame.brakeAbsActive = 1;
-        const double step = kRadiansPerSecond / (c.interpolate ? 720.0 : 360.0);
-        float phase = 0.0f;
-        double expected = 0.0;
-        for (int tick = 0; tick < 20; ++tick) {
-            float vibration[kMaxOutputsPerTick] = {};
-            FillAbsVibration(frame, s, c.interpolate, c.outputs, phase, vibration);
-            for (int i = 0; i < kMaxOutputsPerTick; ++i) {
-                const bool filled = i < c.outputs;
-                ASSERT_NEAR(vibration[i], filled ? c.amplitude * std::sin(expected) : 0.0, 3e-3)
-                    << c.percent << "% tick " << tick << " output " << i;
-                if (filled) expected += step;
-            }
-            ASSERT_GE(phase, 0.0f);
-            ASSERT_LT(phase, 6.2831855f);
-        }
+// The 35 Hz sine at the default 15 % (3 Nm), in both modes and across ticks, is pinned by the replay over
+// real telemetry; here what that drive never sets: a slider past 100 % holds 20 Nm, and one at 0 or below
+// is off and restarts the phase.
+TEST(FillAbsVibration, TwentyNewtonMetresAtMostAndNothingWithTheSliderOff) {
+    EngineSettings s;
+    s.AbsVibration = 150;
+    TelemetryFrame frame;
+    frame.brakeAbsActive = 1;
+    float phase = 6.2f;
+    float vibration[kMaxOutputsPerTick] = {};
+    FillAbsVibration(frame, s, true, 2, phase, vibration);
+    const double step = 219.9115 / 720.0;
+    EXPECT_NEAR(vibration[0], 20.0 * std::sin(6.2), 1e-4);
+    EXPECT_NEAR(vibration[1], 20.0 * std::sin(6.2 + step), 1e-4);
+    EXPECT_EQ(vibration[2], 0.0f);
+    EXPECT_NEAR(phase, 6.2 + 2 * step - 6.2831855, 1e-5) << "kept below 2 pi";
+    for (const int32_t off : {0, -5}) {
+        s.AbsVibration = off;
+        float none[kMaxOutputsPerTick] = {};
+        phase = 1.0f;
+        FillAbsVibration(frame, s, false, 6, phase, none);
+        EXPECT_EQ(phase, 0.0f);
+        EXPECT_EQ(none[0], 0.0f);
     }
 }
 

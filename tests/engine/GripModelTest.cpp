@@ -39,8 +39,9 @@ TEST(ComputeGrip, GatesAndTheForceBalance) {
     EXPECT_GT(above.oversteerTorque, 0.0f);
 }
 
-// The arctan approximation with the sign of the slip (taken against |velocityX|), its jump down where the
-// slip passes one, the limit of half the full scale, and an offset taken off the angle.
+// The arctan approximation with the sign of the slip, the slide's value past a slip of one, the limit of half
+// the full scale, and an offset taken off the angle. The replay over real telemetry pins the rest at the
+// default slider: a reversing car, and the jump where the slip passes one.
 TEST(ComputeGrip, OversteerFollowsTheSlipAngleApproximation) {
     const float b = 0.4609491f;  // slip 0.5
     const struct {
@@ -48,8 +49,7 @@ TEST(ComputeGrip, OversteerFollowsTheSlipAngleApproximation) {
         int32_t correction, strength, offset;
         float torque, tolerance;
     } cases[] = {{20.0f, 10.0f, 10, 0, 0, 7.09424f, 1e-4f},   {20.0f, -10.0f, 10, 0, 0, -7.09424f, 1e-4f},
-                 {-20.0f, 10.0f, 10, 0, 0, 7.09424f, 1e-4f},  {20.0f, 19.999f, 10, 0, 0, 9.54f, 0.01f},
-                 {20.0f, 20.5f, 10, 0, 0, 7.85f, 4e-6f},      {20.0f, -20.5f, 10, 0, 0, -7.85f, 4e-6f},
+                 {20.0f, -20.5f, 10, 0, 0, -7.85f, 4e-6f},
                  {20.0f, 40.0f, 150, 100, 0, 10.0f, 4e-6f},   {20.0f, -40.0f, 150, 100, 0, -10.0f, 4e-6f},
                  {20.0f, 40.0f, 150, 0, 0, 117.75f, 3e-5f},   {20.0f, 3.0f, 10, 0, 100, 0.0f, 0.0f},
                  {20.0f, 10.0f, 10, 0, 100, (b - 0.174533f) * (2.0f - b) * 10.0f, 1e-4f},
@@ -77,7 +77,6 @@ TEST(ComputeGrip, UndersteerResistsAndLightens) {
         int32_t resistance, lighten;
         float excess, load, torque, gain;
     } cases[] = {
-        {"right", 0.5f, 0.0f, 0.0f, kRow, 75, 0, 0.325f, 0.325f, -9.75f, 1.0f},
         {"left", -0.5f, 0.0f, 0.0f, kRow, 75, 0, 0.325f, 0.325f, 9.75f, 1.0f},
         {"load capped at 1", 3.0f, 0.0f, 0.0f, {40.0f, 0.0f, 90.0f, 2.0f, 0.0f}, 75, 0, 2.825f, 1.0f, -60.0f, 1.0f},
         {"yaw and lateral explain it", 1.0f, 0.5f, 9.0f, {40.0f, 0.9f, 90.0f, 1.0f, 0.0f}, 75, 0, -0.725f, 0.0f, 0.0f,

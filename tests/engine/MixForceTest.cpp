@@ -5,13 +5,6 @@
 namespace veltor {
 namespace {
 
-EngineSettings Priority(int32_t priority, int32_t strength = 50) {
-    EngineSettings s;
-    s.SuspensionDetailPriority = priority;
-    s.ForceStrength = strength;
-    return s;
-}
-
 // Texture against the force ducks it by the priority's slope, down to zero but never across; texture along
 // with it near full scale shrinks only the resistance. `acted` is -1 where the case does not pin it.
 TEST(MixForce, PriorityDucksOpposingTextureAndMakesRoomForTextureAlongside) {
@@ -43,9 +36,11 @@ TEST(MixForce, PriorityDucksOpposingTextureAndMakesRoomForTextureAlongside) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
+        EngineSettings s;
+        s.SuspensionDetailPriority = c.priority;
+        s.ForceStrength = c.strength;
         bool acted = c.acted == 0;
-        EXPECT_NEAR(MixForce(Priority(c.priority, c.strength), c.main, c.resistance, c.texture, c.other, &acted),
-                    c.mixed, 1e-5f);
+        EXPECT_NEAR(MixForce(s, c.main, c.resistance, c.texture, c.other, &acted), c.mixed, 1e-5f);
         if (c.acted >= 0) {
             EXPECT_EQ(acted, c.acted == 1);
         }

@@ -6,7 +6,7 @@
 #include "TickHarness.h"
 #include "engine/OutputStage.h"
 
-namespace veltor {
+namespace veltor::test {
 namespace {
 
 // Full scale of each strength maps to 10000; truncation toward zero, no clamp; zero for no strength or NaN.
@@ -54,12 +54,6 @@ TEST(ShapeOutput, ParkedReductionAndLowForceCurve) {
         EXPECT_EQ(ShapeOutput(c.value, c.parked, s), c.shaped) << c.value << (c.parked ? " parked" : " ") << c.minForce;
     }
 }
-
-}  // namespace
-}  // namespace veltor
-
-namespace veltor::test {
-namespace {
 
 // The smallest torque whose scaled value at the default strength is `units` output units.
 float TorqueForUnits(int32_t units) {

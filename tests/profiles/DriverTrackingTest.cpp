@@ -1,23 +1,92 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "ProfileStoreFolder.h"
-#include "TrackingView.h"
+#include "profiles/DriverTracking.h"
 #include "profiles/IniEncoding.h"
 
 namespace veltor {
 namespace {
 
 using test::ProfileStoreFolder;
-using test::TrackedStore;
+
+// A view for DriverTracking that keeps what reached the controls, the session log and the engine.
+struct TrackingView {
+    void ShowSettings(const EngineSettings& settings) { shown = settings; }
+    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCarSliderCount>& values) {
+        carLabel = label;
+        carSliders = values;
+    }
+    void ShowProfileList(const std::vector<DriverProfile>& profiles, int32_t selected) {
+        profileItems.clear();
+        for (const DriverProfile& profile : profiles) profileItems.push_back(profile.Name);
+        selectedItem = selected;
+    }
+    void ShowCarSpecificCheck(bool checked) { carCheck = checked; }
+    void ShowTorqueField(int32_t tenths) { torqueText = TorqueFieldText(tenths); }
+    std::wstring ReadProfileNameText() const { return nameText; }
+    std::wstring ReadTorqueText() const { return torqueText; }
+    void AppendLog(const std::wstring& line) { log.push_back(line); }
+    void PublishSettings(const EngineSettings& settings) {
+        published = settings;
+        ++settingsPublications;
+    }
+    void PublishOverrides(const std::vector<CarCoefficients>& overrides) {
+        publishedOverrides = overrides;
+        ++overridePublications;
+    }
+
+    std::wstring LastLog() const { return log.empty() ? L"" : log.back(); }
+
+    EngineSettings shown;
+    std::wstring carLabel;
+    std::array<int32_t, kCarSliderCount> carSliders{};
+    std::vector<std::wstring> profileItems;
+    int32_t selectedItem = -1;
+    bool carCheck = false;
+    std::wstring torqueText;
+    std::wstring nameText;  // what the user typed in the profile box
+    std::vector<std::wstring> log;
+    EngineSettings published;
+    std::vector<CarCoefficients> publishedOverrides;
+    int settingsPublications = 0;
+    int overridePublications = 0;
+};
+
+// A store over a file of its own (holding `bytes`, if any), loaded as at start-up, with the view on it.
+struct TrackedStore {
+    explicit TrackedStore(const std::string& bytes = "") {
+        if (!bytes.empty()) folder.Write(bytes);
+        store.LoadCoefficients();
+        store.LoadProfiles();
+        tracking.RefreshProfileList();
+        tracking.UpdateCarPanel(store.CurrentCarPath);
+    }
+    void SeeCar(const std::wstring& carPath) {
+        EngineStatus status;
+        status.carPath = carPath;
+        tracking.PollStatus(status);
+    }
+
+    ProfileStoreFolder folder;
+    ProfileStore store{folder.IniPath()};
+    TrackingView view;
+    DriverTracking<TrackingView> tracking{store, view};
+};
 
 TEST(DriverTracking, ACarWithoutAnEntryStartsFromTheProfileAndKeepsWhatWasChangedForItsNextVisit) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+    TrackedStore t;
     const std::array<int32_t, 5> unmatched{400, 0, 90, 100, 100};
     EXPECT_EQ(t.view.carLabel, L"Car: generic (unknown)");
     EXPECT_EQ(t.view.carSliders, unmatched);
+    t.tracking.ChangeSetting(&EngineSettings::Understeer, 5);
+    EXPECT_EQ(t.store.Profiles[0].Settings.Understeer, 5) << "without a car the profile owns the live record";
 
     t.SeeCar(L" BMWM4GT3 ");
     EXPECT_EQ(t.view.LastLog(), L"Using driver profile settings for this car.");
@@ -40,10 +109,17 @@ TEST(DriverTracking, ACarWithoutAnEntryStartsFromTheProfileAndKeepsWhatWasChange
     EXPECT_EQ(t.view.carLabel, L"Car: bmwm4gt3");
 }
 
-TEST(DriverTracking, WithCarSettingsOffACarChangeMovesOnlyTheCarPanel) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+// Unticked, the driver profile owns the live record and a car change moves only the car panel; ticked again,
+// the car's entry is back.
+TEST(DriverTracking, CarSpecificCheckboxHandsTheRecordToTheProfileUntilTickedAgain) {
+    TrackedStore t;
+    t.SeeCar(L"mx5 mx52016");
+    t.tracking.ChangeSetting(&EngineSettings::Bumps, 70);  // the car's entry
     t.tracking.ToggleCarSpecific(false);
+    EXPECT_EQ(t.view.LastLog(), L"Car specific settings disabled.");
+    EXPECT_EQ(t.view.shown.Bumps, 20);
+    EXPECT_FALSE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
+
     t.tracking.ChangeSetting(&EngineSettings::Damping, 30);
     const int publications = t.view.settingsPublications;
     t.view.log.clear();
@@ -54,19 +130,8 @@ TEST(DriverTracking, WithCarSettingsOffACarChangeMovesOnlyTheCarPanel) {
     EXPECT_EQ(t.view.carLabel, L"Car: mystery car (unknown)");
     t.tracking.ChangeSetting(&EngineSettings::Damping, 40);
     EXPECT_EQ(t.store.Profiles[0].Settings.Damping, 40) << "the driver profile still owns the live record";
-}
 
-TEST(DriverTracking, CarSpecificCheckboxTakesTheCarEntryAndGivesItBack) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
     t.SeeCar(L"mx5 mx52016");
-    t.tracking.ChangeSetting(&EngineSettings::Bumps, 70);  // the car's entry
-
-    t.tracking.ToggleCarSpecific(false);
-    EXPECT_EQ(t.view.LastLog(), L"Car specific settings disabled.");
-    EXPECT_EQ(t.view.shown.Bumps, 20);
-    EXPECT_FALSE(t.store.Profiles[0].Settings.UseCarSpecificSettings);
-
     t.tracking.ToggleCarSpecific(true);
     EXPECT_EQ(t.view.LastLog(), L"Car specific settings enabled.");
     EXPECT_EQ(t.view.shown.Bumps, 70);
@@ -75,9 +140,7 @@ TEST(DriverTracking, CarSpecificCheckboxTakesTheCarEntryAndGivesItBack) {
 }
 
 TEST(DriverTracking, NewProfileWhileACarOwnsTheRecordStartsFromTheCarsValues) {
-    ProfileStoreFolder folder;
-    folder.Write("[Profiles]\nCount=2\n[Profile1]\nName=Driver 3\n");
-    TrackedStore t(folder.IniPath());
+    TrackedStore t("[Profiles]\nCount=2\n[Profile1]\nName=Driver 3\n");
     t.SeeCar(L"audir8gt3");
     t.tracking.ChangeSetting(&EngineSettings::OversteerOffset, 33);
     t.tracking.NewProfile();
@@ -89,8 +152,7 @@ TEST(DriverTracking, NewProfileWhileACarOwnsTheRecordStartsFromTheCarsValues) {
 
 // The wheelbase is the driver's: the torque goes to the driver profile even while a car owns the record.
 TEST(DriverTracking, TorqueBoxGoesToTheDriverProfileWhateverOwnsTheLiveRecord) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+    TrackedStore t;
     t.SeeCar(L"audir8gt3");
     for (const auto& [typed, tenths] : {std::pair{L"0.01", 10}, std::pair{L"7,5", 75}, std::pair{L"x", 0}}) {
         t.view.torqueText = typed;
@@ -101,8 +163,7 @@ TEST(DriverTracking, TorqueBoxGoesToTheDriverProfileWhateverOwnsTheLiveRecord) {
 }
 
 TEST(DriverTracking, CoefficientSlidersStoreAnOverrideOnlyForARealCar) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+    TrackedStore t;
     t.tracking.OnCoefficientSlider(1120, 90);
     EXPECT_EQ(t.store.ActiveCoefficients.SteerMarginBias, -10.0f / 572.9578f);
     EXPECT_EQ(t.view.overridePublications, 1);
@@ -116,8 +177,7 @@ TEST(DriverTracking, CoefficientSlidersStoreAnOverrideOnlyForARealCar) {
 }
 
 TEST(DriverTracking, DriverIdentityIsWrittenWhenTheNameChangesBeyondCaseAndAFailedWriteIsSaidOnce) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+    TrackedStore t;
     EngineStatus status;
     status.driverUserId = 321;
     const struct {
@@ -130,20 +190,19 @@ TEST(DriverTracking, DriverIdentityIsWrittenWhenTheNameChangesBeyondCaseAndAFail
         status.driverName = poll.name;
         status.driverNameKnown = poll.known;
         t.tracking.PollStatus(status);
-        EXPECT_NE(DecodeIniBytes(folder.Read()).find(L"321=" + std::wstring(poll.stored)), std::wstring::npos);
+        EXPECT_NE(DecodeIniBytes(t.folder.Read()).find(L"321=" + std::wstring(poll.stored)), std::wstring::npos);
     }
     EXPECT_TRUE(t.view.log.empty());
 
-    folder.SetReadOnly(true);
+    t.folder.SetReadOnly(true);
     status.driverName = L"C Driver";
     for (int i = 0; i < 3; ++i) t.tracking.PollStatus(status);
-    EXPECT_EQ(t.view.log, std::vector<std::wstring>{L"Could not save profiles to " + folder.IniPath() + L"."});
+    EXPECT_EQ(t.view.log, std::vector<std::wstring>{L"Could not save profiles to " + t.folder.IniPath() + L"."});
     EXPECT_EQ(t.store.DriverDisplayName(status), L"C Driver");
 }
 
 TEST(DriverTracking, EachEventPublishesWhatTheEngineNeeds) {
-    ProfileStoreFolder folder;
-    TrackedStore t(folder.IniPath());
+    TrackedStore t;
     t.store.Profiles.push_back({L"Second", {}});
     using Step = void (*)(TrackedStore&);
     const struct {
@@ -170,6 +229,112 @@ TEST(DriverTracking, EachEventPublishesWhatTheEngineNeeds) {
         EXPECT_EQ(t.view.settingsPublications - settings, row.settings) << row.event;
         EXPECT_EQ(t.view.overridePublications - overrides, row.overrides) << row.event;
     }
+}
+
+class AdviceFile : public ::testing::Test {
+protected:
+    std::wstring Write(const std::string& text) const {
+        std::ofstream(advicePath) << "[Advice]\nVersion=1\n" << text;
+        return advicePath.wstring();
+    }
+    bool AdviceExists() const { return std::filesystem::exists(advicePath); }
+
+    TrackedStore t;
+    std::filesystem::path advicePath = t.folder.path / "advice.ini";
+};
+
+// The keys in their units and normal forms; an Apply flag of 0 keeps the car's own value.
+TEST_F(AdviceFile, ProfileAdviceForACarTurnsCarSettingsOnAndBecomesTheCarsEntry) {
+    t.tracking.ToggleCarSpecific(false);
+    t.tracking.ApplyAdviceFile(Write("Profile=  Default \nCar= MX5 MX52016 \nHasProfileSettings=7\nForceStrength=62\n"
+                                     "SuspensionTexture=40\nApplyCarForceBalance=0\nHasCoefficientAdvice=1\n"
+                                     "YawRateMultiplierTenth=380\nYawSteerGainThousand=5\nResistanceGainHundred=105\n"
+                                     "SteerMarginBiasTenthDeg=-10\nApplyLateralAccelDivisor=0\n"));
+    EXPECT_FALSE(AdviceExists());
+    EXPECT_EQ(t.view.LastLog(), L"Analyzer advice applied to profile Default for car mx5 mx52016.");
+    EXPECT_TRUE(t.view.shown.UseCarSpecificSettings);
+    EXPECT_EQ(t.view.shown.ForceStrength, 62);
+    EXPECT_EQ(t.view.shown.CarForceBalance, 100);
+    EXPECT_EQ(t.view.published.BumpImpacts, 40);
+    EXPECT_EQ(t.store.Profiles[0].Settings.ForceStrength, 50) << "the profile keeps its own values";
+    EXPECT_EQ(t.view.carLabel, L"Car: mx5 mx52016");
+    EXPECT_EQ(t.view.carSliders, (std::array<int32_t, 5>{380, 5, 96, 105, 90}));
+    ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
+    EXPECT_EQ(t.view.publishedOverrides[0].YawSteerGain, 0.005f);
+    EXPECT_EQ(t.view.publishedOverrides[0].ResistanceGain, 1.05f);
+    EXPECT_EQ(t.view.publishedOverrides[0].SteerMarginBias, -10.0f / 572.9578f);
+
+    // Back on the real car, the advised car's entry keeps the live record.
+    t.tracking.ChangeSetting(&EngineSettings::Damping, 12);
+    t.SeeCar(L"audir8gt3");
+    t.SeeCar(L"mx5 mx52016");
+    EXPECT_EQ(t.view.shown.Damping, 12);
+    EXPECT_EQ(t.view.shown.ForceStrength, 62);
+}
+
+TEST_F(AdviceFile, CoefficientAdviceAloneLeavesTheProfilesRecordLive) {
+    t.tracking.ToggleCarSpecific(false);
+    t.tracking.ApplyAdviceFile(Write("Car=rt2000\nHasCoefficientAdvice=1\nLateralAccelDivisor=200\n"));
+    EXPECT_FALSE(t.view.shown.UseCarSpecificSettings);
+    EXPECT_EQ(t.store.CurrentCarPath, L"rt2000");
+    EXPECT_EQ(t.view.carSliders[2], 130);
+    ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
+    EXPECT_EQ(t.view.publishedOverrides[0].LateralAccelDivisor, 200.0f);
+    EXPECT_EQ(t.view.publishedOverrides[0].YawRateMultiplier, 0.0f) << "applied by default from an absent key";
+}
+
+TEST_F(AdviceFile, TheNamedProfileIsFoundTrimmedOrCreatedFromTheSelectedOne) {
+    t.tracking.ChangeSetting(&EngineSettings::MinForce, 4);
+    const struct {
+        const char* profile;
+        std::vector<std::wstring> names;
+        int32_t selected;
+        const wchar_t* logged;
+    } cases[] = {
+        {"New One", {L"Default", L"New One"}, 1, L"Analyzer advice applied to profile New One."},
+        {"  default ", {L"default", L"New One"}, 0, L"Analyzer advice applied to profile default."},
+        {"", {L"default", L"New One"}, 0, L"Analyzer advice applied to profile default."},
+    };
+    for (const auto& c : cases) {
+        t.tracking.ApplyAdviceFile(Write(std::string("Profile=") + c.profile +
+                                         "\nHasProfileSettings=1\nHasCoefficientAdvice=1\nAbsVibration=3\n"));
+        EXPECT_EQ(t.view.profileItems, c.names) << c.profile;
+        EXPECT_EQ(t.view.selectedItem, c.selected) << c.profile;
+        EXPECT_EQ(t.view.LastLog(), c.logged);
+        EXPECT_EQ(t.view.shown.MinForce, 4);
+        EXPECT_EQ(t.view.shown.AbsVibration, 3);
+    }
+    EXPECT_TRUE(t.view.publishedOverrides.empty()) << "coefficients without a car change nothing";
+}
+
+// Only version 1 with something to propose is taken; whatever the file, it is gone afterwards, but never the
+// store's own file.
+TEST_F(AdviceFile, ARefusedFileIsReportedAndDeletedButNeverTheStoresOwnFile) {
+    t.tracking.SaveAll();
+    const std::wstring advice = advicePath.wstring();
+    const struct {
+        std::wstring path;
+        const char* text;
+    } cases[] = {
+        {L"", nullptr},
+        {advice + L".missing", nullptr},
+        {advice, "[Advice]\nHasProfileSettings=1\n"},
+        {advice, "[Advice]\nVersion=2\nHasProfileSettings=1\n"},
+        {advice, "[Advice]\nVersion=1 x\nHasProfileSettings=1\n"},
+        {advice, "[Advice]\nVersion=1\n"},
+        {advice, "[Advice]\nVersion=1\nHasProfileSettings=0\nHasCoefficientAdvice=0\n"},
+        {advice, "\xFF\xFE\x00\xD8[Advice\x80\n"},
+        {t.folder.IniPath(), nullptr},
+    };
+    for (const auto& c : cases) {
+        if (c.text != nullptr) std::ofstream(advicePath, std::ios::binary) << c.text;
+        t.view.log.clear();
+        t.tracking.ApplyAdviceFile(c.path);
+        EXPECT_EQ(t.view.log, std::vector<std::wstring>{L"Could not load analyzer advice file."})
+            << (c.text != nullptr ? c.text : "(no advice file)");
+        EXPECT_FALSE(AdviceExists());
+    }
+    EXPECT_TRUE(std::filesystem::exists(t.folder.IniFile()));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace {
 
 using test::ProfileStoreFolder;
 
+// A record as the file holds it: comparing texts compares all 25 fields and shows which differ.
 std::wstring Text(const EngineSettings& settings) {
     IniDocument ini;
     WriteSettings(ini, L"S", settings);
@@ -48,6 +50,47 @@ ProfileStore Loaded(const ProfileStoreFolder& folder) {
     store.LoadCoefficients();
     store.LoadProfiles();
     return store;
+}
+
+TEST(SettingsSection, ReadIniIntTakesOnlyAWholeNumberAndSaturates) {
+    const std::pair<const wchar_t*, int32_t> cases[] = {
+        {L"k= 12 ", 12},       {L"k=12abc", -3},      {L"k=", -3},           {L"k=+7", 7},
+        {L"k=\t-0042", -42},   {L"k=- 5", -3},        {L"k=0x10", -3},       {L"k=1 2", -3},
+        {L"k=\"12\"", 12},     {L"k=2147483647", INT32_MAX},                 {L"k=2147483648", INT32_MAX},
+        {L"k=1099511627776", INT32_MAX},               {L"k=-2147483648", INT32_MIN},
+        {L"k=-99999999999999999999", INT32_MIN},       {L"other=1", -3},
+    };
+    for (const auto& [line, value] : cases) {
+        const IniDocument ini = IniDocument::Parse(L"[S]\n" + std::wstring(line));
+        EXPECT_EQ(ReadIniInt(ini, L"S", L"k", -3), value) << line;
+    }
+}
+
+TEST(SettingsSection, ReadSettingsKeepsTheBaseExceptWhereAKeyOrOneOfItsRulesSaysOtherwise) {
+    EngineSettings base;
+    base.Mode = 1;
+    base.Bumps = 30;
+    base.BumpImpacts = 30;
+    const std::pair<const wchar_t*, std::function<void(EngineSettings&)>> cases[] = {
+        {L"", [](EngineSettings&) {}},
+        {L"Mode=x\nUnknown=5", [](EngineSettings&) {}},
+        {L"Bumps=70", [](EngineSettings& s) { s.Bumps = s.BumpImpacts = 70; }},
+        {L"Bumps=70\nBumpImpacts=5", [](EngineSettings& s) { s.Bumps = 70, s.BumpImpacts = 5; }},
+        {L"LegacyIracingFfbHandoff=1", [](EngineSettings& s) { s.SimucubeMode = true; }},
+        {L"LegacyIracingFfbHandoff=1\nSimucubeMode=0", [](EngineSettings&) {}},
+        {L"OversteerCorrection=200", [](EngineSettings& s) { s.OversteerCorrection = 150; }},
+        {L"OversteerCorrection=-5", [](EngineSettings& s) { s.OversteerCorrection = 0; }},
+        {L"MinForce=500\nCrashReduction=-1", [](EngineSettings& s) { s.MinForce = 500, s.CrashReduction = -1; }},
+        {L"useCarSpecificSettings=0\nStartMinimized=7", [](EngineSettings& s) {
+             s.UseCarSpecificSettings = false, s.StartMinimized = true;
+         }},
+    };
+    for (const auto& [section, change] : cases) {
+        EngineSettings expected = base;
+        change(expected);
+        const IniDocument ini = IniDocument::Parse(L"[S]\n" + std::wstring(section));
+        EXPECT_EQ(Text(ReadSettings(ini, L"S", base)), Text(expected)) << section;
+    }
 }
 
 // A file without a usable list of profiles gives the one profile "Default"; whatever else it holds stays
@@ -131,6 +174,7 @@ TEST(ProfileStore, SaveAllRoundTripsEveryFieldAndNonAsciiNames) {
     ASSERT_TRUE(saved.SaveAll());
     ASSERT_TRUE(saved.WriteDriverIdentity(321, L"\u6e21\u8fba \u4e00"));
     EXPECT_NE(FileText(folder).find(L"SteerMarginBiasTenthDeg=-10\r\n"), std::wstring::npos);
+    EXPECT_EQ(folder.Read().substr(0, 2), "\xFF\xFE") << "the encoding the platform reads names from";
 
     ProfileStore loaded = Loaded(folder);
     EXPECT_EQ(Summary(loaded), Summary(saved));
@@ -271,30 +315,6 @@ TEST(ProfileStore, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheAcc
         status.driverUserId = c.id;
         status.driverNameKnown = c.known;
         EXPECT_EQ(store.DriverDisplayName(status), c.shown) << c.name << c.id;
-    }
-}
-
-TEST(ProfileStore, SyncCurrentSettingsWritesToTheCarEntryOnlyWhileItOwnsTheLiveRecord) {
-    struct Case {
-        bool carSpecific;
-        const wchar_t* car;
-        int32_t selected;
-        bool carOwns;
-    };
-    const Case cases[] = {{true, L"rt2000", 0, true}, {false, L"rt2000", 0, false}, {true, L" Generic", 0, false},
-                          {true, L"", 0, false},      {true, L"rt2000", 1, false}};
-    for (const Case& c : cases) {
-        ProfileStore store(L"unused.ini");
-        store.Profiles = {{L"A", Distinct(1)}};
-        store.SelectedProfile = c.selected;
-        store.CurrentCarPath = c.car;
-        store.CurrentSettings = Distinct(9);
-        store.CurrentSettings.UseCarSpecificSettings = c.carSpecific;
-        EXPECT_EQ(store.CarSettingsActive(), c.carOwns);
-        store.SyncCurrentSettings();
-        EXPECT_EQ(store.CarProfiles.size(), c.carOwns ? 1u : 0u) << c.car;
-        const bool profileTook = !c.carOwns && c.selected == 0;
-        EXPECT_EQ(store.Profiles[0].Settings.ForceStrength, profileTook ? 9 : 1) << c.car;
     }
 }
 
