@@ -25,9 +25,9 @@ struct Finished {
 Finished RunAnalyzerProgram(const std::wstring& arguments, const fs::path& outputFile) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     HANDLE output = CreateFileW(outputFile.wstring().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
-                                CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     Finished finished;
-    if (output == INVALID_HANDLE_VALUE) return finished;
+    if (output == INVALID_HANDLE_VALUE) return {finished.exitCode, "cannot create the output file"};
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -40,6 +40,10 @@ Finished RunAnalyzerProgram(const std::wstring& arguments, const fs::path& outpu
         }
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
+    } else {
+        const DWORD error = GetLastError();
+        CloseHandle(output);
+        return {finished.exitCode, "cannot start the program: error " + std::to_string(error)};
     }
     CloseHandle(output);
     std::stringstream text;
