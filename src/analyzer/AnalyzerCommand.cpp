@@ -78,16 +78,24 @@ std::string UsageText(const std::string& programName) {
            "Exit codes: 0 done, 1 usage, 2 unreadable input, 3 advice not writable, 4 nothing to advise.\n";
 }
 
+CommandOutcome UsageFailure(const std::string& programName, const std::string& error) {
+    return {kExitUsage, "", programName + ": " + error + "\n" + UsageText(programName)};
+}
+
 CommandOutcome RunAnalyzer(const std::vector<std::string>& args, const std::string& programName,
                            const SettingsForCar& settingsForCar) {
     AnalyzerCommand command;
     std::string error;
-    if (ParseAnalyzerArguments(args, command, error) && command.kind == CommandKind::Open && command.input.empty()) {
-        error = "no recording or telemetry file given";  // without a window there is nothing to open it in
-    }
-    if (!error.empty()) return {kExitUsage, "", programName + ": " + error + "\n" + UsageText(programName)};
-    if (command.kind == CommandKind::Help) return {kExitSuccess, UsageText(programName), ""};
+    if (!ParseAnalyzerArguments(args, command, error)) return UsageFailure(programName, error);
+    return RunAnalyzerCommand(command, programName, settingsForCar);
+}
 
+CommandOutcome RunAnalyzerCommand(const AnalyzerCommand& command, const std::string& programName,
+                                  const SettingsForCar& settingsForCar) {
+    if (command.kind == CommandKind::Help) return {kExitSuccess, UsageText(programName), ""};
+    // Without a window there is nothing to open a file in.
+    if (command.input.empty()) return UsageFailure(programName, "no recording or telemetry file given");
+    std::string error;
     const std::string prefix = programName + ": " + Utf8FromPath(command.input) + ": ";
     Recording recording;
     if (!OpenForAnalysis(command.input, settingsForCar, recording, error)) return Failure(kExitBadInput, prefix + error);

@@ -38,7 +38,15 @@ bool ParseAnalyzerArguments(const std::vector<std::string>& args, AnalyzerComman
 
 std::string UsageText(const std::string& programName);
 
-// Parses and runs the command line; messages name `programName`.
+// A command line not understood: `error` and the usage, exit code kExitUsage.
+CommandOutcome UsageFailure(const std::string& programName, const std::string& error);
+
+// Runs a parsed command without a window (an Open command reports its file as text); messages name
+// `programName`.
+CommandOutcome RunAnalyzerCommand(const AnalyzerCommand& command, const std::string& programName,
+                                  const SettingsForCar& settingsForCar);
+
+// Parses and runs the command line.
 CommandOutcome RunAnalyzer(const std::vector<std::string>& args, const std::string& programName,
                            const SettingsForCar& settingsForCar);
 

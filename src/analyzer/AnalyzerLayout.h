@@ -4,6 +4,21 @@
 
 namespace veltor::analyzer {
 
+inline constexpr wchar_t kAnalyzerWindowClass[] = L"VeltorAnalyzerWindow";
+inline constexpr wchar_t kAnalyzerTitle[] = L"Veltor Commercial Analyzer";
+inline constexpr int32_t kAnalyzerClientWidth = 1520;
+inline constexpr int32_t kAnalyzerClientHeight = 900;
+
+// Control ids of the analyzer's window.
+enum AnalyzerControlId : int32_t {
+    kOpenButtonId = 2001,
+    kSaveAdviceButtonId = 2002,
+    kApplyButtonId = 2003,
+    kSpanSliderId = 2010,
+    kPositionSliderId = 2011,
+    kFirstApplyCheckId = 2020,  // one for each advice row that proposes a change, in the table's order
+};
+
 // Where the analyzer's window puts things, in client pixels; nothing is scaled for the display's DPI.
 struct LayoutRect {
     int32_t left = 0;

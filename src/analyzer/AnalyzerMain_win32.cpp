@@ -77,14 +77,18 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int showCommand) {
     using namespace veltor::analyzer;
     // A telemetry file runs with what Gripline beside us would drive that car with.
     const auto settingsForCar = [](std::wstring_view car) { return StoredSettingsForCar(veltor::IniFilePath(), car); };
-    const std::vector<std::string> args = Arguments();
+    const std::string programName = "Veltor Commercial Analyzer";
     AnalyzerCommand command;
     std::string error;
-    if (ParseAnalyzerArguments(args, command, error) && command.kind == CommandKind::Open) {
+    CommandOutcome outcome;
+    if (!ParseAnalyzerArguments(Arguments(), command, error)) {
+        outcome = UsageFailure(programName, error);
+    } else if (command.kind == CommandKind::Open) {
         AnalyzerWindow window;
         return window.Run(instance, showCommand, command.input.wstring(), settingsForCar);
+    } else {
+        outcome = RunAnalyzerCommand(command, programName, settingsForCar);
     }
-    const CommandOutcome outcome = RunAnalyzer(args, "Veltor Commercial Analyzer", settingsForCar);
     HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
     HANDLE err = GetStdHandle(STD_ERROR_HANDLE);
     if (Inherited(out) || Inherited(err)) {

@@ -6,6 +6,7 @@
 
 #include "analyzer/Advice.h"
 #include "analyzer/AnalysisReport.h"
+#include "analyzer/AnalyzerLayout.h"
 #include "analyzer/AnalyzerInput.h"
 #include "analyzer/PlotData.h"
 #include "app/CheckboxControl.h"
@@ -13,21 +14,6 @@
 #include "app/SliderControl.h"
 
 namespace veltor::analyzer {
-
-inline constexpr wchar_t kAnalyzerWindowClass[] = L"VeltorAnalyzerWindow";
-inline constexpr wchar_t kAnalyzerTitle[] = L"Veltor Commercial Analyzer";
-inline constexpr int32_t kAnalyzerClientWidth = 1520;
-inline constexpr int32_t kAnalyzerClientHeight = 900;
-
-// Control ids of the analyzer's window.
-enum AnalyzerControlId : int32_t {
-    kOpenButtonId = 2001,
-    kSaveAdviceButtonId = 2002,
-    kApplyButtonId = 2003,
-    kSpanSliderId = 2010,
-    kPositionSliderId = 2011,
-    kFirstApplyCheckId = 2020,  // one for each advice row that proposes a change, in the table's order
-};
 
 // What the window shows of one analysed file; plots are rebuilt when the view's sliders move.
 struct AnalyzedFile {

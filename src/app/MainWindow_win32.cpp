@@ -3,9 +3,9 @@
 #include <string>
 
 #include "app/ControlCatalogue.h"
-#include "app/WindowTheme.h"
 #include "app/SliderValueText.h"
 #include "app/Theme.h"
+#include "app/WindowTheme.h"
 #include "profiles/TorqueField.h"
 
 namespace veltor {

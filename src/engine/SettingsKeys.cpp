@@ -4,7 +4,7 @@
 
 namespace veltor {
 
-const SettingsKey kSettingsKeys[25] = {
+const SettingsKey kSettingsKeys[kSettingsFieldCount] = {
     {"Mode", &EngineSettings::Mode, nullptr},
     {"UseCarSpecificSettings", nullptr, &EngineSettings::UseCarSpecificSettings},
     {"ReduceForceWhenParked", nullptr, &EngineSettings::ReduceForceWhenParked},

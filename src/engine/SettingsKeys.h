@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -14,7 +15,8 @@ struct SettingsKey {
 };
 
 // Every field of the record, in the order the profile file reads and writes them.
-extern const SettingsKey kSettingsKeys[25];
+constexpr size_t kSettingsFieldCount = 25;
+extern const SettingsKey kSettingsKeys[kSettingsFieldCount];
 
 // Sets the field that bears the INI key `key` (case-sensitive). A switch takes any non-zero value as 1.
 // False, with the record untouched, for a key that names no field.

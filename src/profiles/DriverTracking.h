@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "profiles/TorqueField.h"
 #include "engine/EngineSettings.h"
 #include "engine/EngineStatus.h"
 #include "profiles/AnalyzerAdvice.h"
@@ -14,6 +13,7 @@
 #include "profiles/IniFile.h"
 #include "profiles/ProfileStore.h"
 #include "profiles/ProfileText.h"
+#include "profiles/TorqueField.h"
 
 namespace veltor {
 

@@ -1,6 +1,7 @@
 #include "profiles/SettingsSection.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "engine/SettingsKeys.h"
@@ -18,8 +19,17 @@ constexpr int32_t kOversteerCorrectionMax = 150;
 // work to what the file holds.
 constexpr int32_t kMaxAbsentListedSections = 100;
 
-// The keys are ASCII.
-std::wstring WideKey(std::string_view key) { return std::wstring(key.begin(), key.end()); }
+// The keys' names as the document takes them, made once (the names are ASCII).
+const std::array<std::wstring, kSettingsFieldCount>& WideKeyNames() {
+    static const std::array<std::wstring, kSettingsFieldCount> names = [] {
+        std::array<std::wstring, kSettingsFieldCount> wide;
+        for (size_t i = 0; i < kSettingsFieldCount; ++i) {
+            wide[i].assign(kSettingsKeys[i].name.begin(), kSettingsKeys[i].name.end());
+        }
+        return wide;
+    }();
+    return names;
+}
 
 bool IsSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 
@@ -49,8 +59,9 @@ int32_t ReadSectionCount(const IniDocument& ini, std::wstring_view section, std:
 
 EngineSettings ReadSettings(const IniDocument& ini, std::wstring_view section, const EngineSettings& base) {
     EngineSettings result = base;
-    for (const SettingsKey& key : kSettingsKeys) {
-        const std::wstring name = WideKey(key.name);
+    for (size_t i = 0; i < kSettingsFieldCount; ++i) {
+        const SettingsKey& key = kSettingsKeys[i];
+        const std::wstring& name = WideKeyNames()[i];
         if (key.flag != nullptr) {
             int32_t fallback = base.*key.flag ? 1 : 0;
             // An older file names the switch only by its former key; where both stand, the new one wins.
@@ -70,9 +81,10 @@ EngineSettings ReadSettings(const IniDocument& ini, std::wstring_view section, c
 }
 
 void WriteSettings(IniDocument& ini, std::wstring_view section, const EngineSettings& settings) {
-    for (const SettingsKey& key : kSettingsKeys) {
+    for (size_t i = 0; i < kSettingsFieldCount; ++i) {
+        const SettingsKey& key = kSettingsKeys[i];
         const int32_t value = key.flag != nullptr ? (settings.*key.flag ? 1 : 0) : settings.*key.number;
-        ini.SetString(section, WideKey(key.name), DecimalText(value));
+        ini.SetString(section, WideKeyNames()[i], DecimalText(value));
     }
 }
 

@@ -11,7 +11,6 @@
 #include "ChildProcess_win32.h"
 #include "ProgramWindow_win32.h"
 #include "analyzer/AnalyzerLayout.h"
-#include "analyzer/AnalyzerWindow.h"
 
 namespace {
 
@@ -73,12 +72,7 @@ TEST(AnalyzerProgram, AFileThatIsNoRecordingShowsWhyInAnEmptyWindow) {
     const fs::path junk = folder.path / "junk.vtrrec";
     std::ofstream(junk, std::ios::binary) << "not a recording";
     veltor::test::Process analyzer(veltor::test::ProgramPath(VELTOR_ANALYZER_PATH), L"\"" + junk.wstring() + L"\"");
-    HWND window = nullptr;
-    const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
-    while ((window == nullptr || !veltor::test::IsPainted(window)) && GetTickCount64() < until) {
-        Sleep(20);
-        window = FindWindowW(veltor::analyzer::kAnalyzerWindowClass, nullptr);
-    }
+    HWND window = veltor::test::WaitForPaintedWindow(veltor::analyzer::kAnalyzerWindowClass);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(veltor::test::WindowText(window), veltor::analyzer::kAnalyzerTitle);
     EXPECT_FALSE(IsWindowEnabled(GetDlgItem(window, veltor::analyzer::kApplyButtonId)));

@@ -20,24 +20,15 @@
 
 #include "ProgramWindow_win32.h"
 #include "SaveDialog_win32.h"
+#include "analyzer/AnalyzerLayout.h"
 
 namespace {
 
-constexpr int kApplyToGriplineId = 2003;
-
 // The painted window of this class whose title holds `titlePart`.
 HWND PaintedWindow(const wchar_t* className, const wchar_t* titlePart, const char* what) {
-    const ULONGLONG until = GetTickCount64() + veltor::test::kWindowTimeoutMs;
-    do {
-        HWND window = FindWindowW(className, nullptr);
-        if (window != nullptr && veltor::test::IsPainted(window) &&
-            veltor::test::WindowText(window).find(titlePart) != std::wstring::npos) {
-            return window;
-        }
-        Sleep(50);
-    } while (GetTickCount64() < until);
-    std::fprintf(stderr, "no painted %s window\n", what);
-    return nullptr;
+    HWND window = veltor::test::WaitForPaintedWindow(className, 0, titlePart);
+    if (window == nullptr) std::fprintf(stderr, "no painted %s window\n", what);
+    return window;
 }
 
 int PrintRectangle(HWND window) {
@@ -147,12 +138,12 @@ int main(int argc, char** argv) {
     if (command == "wheel-summary" && argc > 2) return WheelSummary(argv[2]);
     if (command.rfind("analyzer", 0) == 0) {
         // The analyzer's title names the file it shows.
-        HWND analyzer = PaintedWindow(L"VeltorAnalyzerWindow", L" - ", "analyzer");
+        HWND analyzer = PaintedWindow(veltor::analyzer::kAnalyzerWindowClass, L" - ", "analyzer");
         if (analyzer == nullptr) return 1;
         if (command == "analyzer") return PrintRectangle(analyzer);
         if (command == "analyzer-close") return PostMessageW(analyzer, WM_CLOSE, 0, 0) ? 0 : 1;
         if (command == "analyzer-apply") {
-            if (IsWindowEnabled(GetDlgItem(analyzer, kApplyToGriplineId))) return Press(analyzer, kApplyToGriplineId);
+            if (IsWindowEnabled(GetDlgItem(analyzer, veltor::analyzer::kApplyButtonId))) return Press(analyzer, veltor::analyzer::kApplyButtonId);
             std::printf("The analyzer proposes no change for this drive.\n");
             return 3;
         }
