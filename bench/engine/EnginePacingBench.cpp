@@ -1,8 +1,10 @@
 // Pacing of the real engine thread: a simulator thread sets the data-valid event at 60 Hz with six
-// sub-samples a frame; the engine runs each output mode for a while. Prints, per mode, the lateness of each
-// store to commandedForce against its target offset from t0, the latency from the event being set to the
-// first store of the tick, and the engine thread's CPU time per second. The same run first measures the
-// platform's floor, a bare thread woken by the event with no engine, and prints each latency as a ratio to it.
+// sub-samples a frame; the engine runs each output mode for a while, first on an idle machine and then
+// loaded with as many spinning threads of normal priority as the machine has hardware threads. Prints, per
+// run, the lateness of each store to commandedForce against its target offset from t0, the latency from
+// the event being set to the first store of the tick, the pacer's learned margin, and the CPU time of the
+// engine and output threads. Each condition first measures the platform's floor, a bare thread woken by the
+// event with no engine, and prints each latency as a ratio to it.
 #include <pthread.h>
 #include <time.h>
 
@@ -17,8 +19,8 @@
 #include <vector>
 
 #include "TelemetryLayoutWriter.h"
-#include "engine/EnginePlatform.h"
 #include "engine/EngineLoop.h"
+#include "engine/EnginePlatform.h"
 #include "platform/ThreadControl.h"
 #include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
@@ -27,14 +29,17 @@ namespace {
 
 using namespace veltor;
 
-constexpr size_t kCapacity = 1 << 16;
+constexpr size_t kCapacity = 1 << 17;
 
 // Filled by the engine thread only, into storage reserved up front; read after the engine has stopped.
 struct Measurements {
     std::vector<int64_t> lateness = std::vector<int64_t>(kCapacity);
     std::vector<int64_t> eventToFirst = std::vector<int64_t>(kCapacity);
+    std::vector<int64_t> margins = std::vector<int64_t>(kCapacity);
     size_t latenessCount = 0;
     size_t eventCount = 0;
+    size_t marginCount = 0;
+    int64_t spacing = 0;     // ns between outputs in this run's mode
     int64_t firstStore = 0;
     int64_t nextTarget = 0;
     bool firstPending = false;
@@ -42,29 +47,58 @@ struct Measurements {
 Measurements gMeasure;
 std::atomic<int64_t> gLastEventSet{0};
 std::atomic<bool> gRecording{false};
+std::atomic<bool> gEngineKnown{false};
+std::atomic<bool> gOutputKnown{false};
+pthread_t gEngineThread;
+pthread_t gOutputThread;
 
-struct BenchPlatform : EnginePlatform {
-    static void WaitUntilOffset(int64_t t0, int32_t sleepMicroseconds, int32_t offsetMicroseconds) {
+void Add(std::vector<int64_t>& values, size_t& count, int64_t value) {
+    if (count < values.size()) values[count++] = value;
+}
+
+// The product's pacer, watched: the target of each wait, and the margin it learned.
+struct BenchPacer {
+    void WaitUntil(int64_t deadline) {
         if (gMeasure.firstPending) {  // the first store of the burst is measured against t0
-            Add(gMeasure.firstStore - t0);
+            Add(gMeasure.lateness, gMeasure.latenessCount, gMeasure.firstStore - (deadline - gMeasure.spacing));
             gMeasure.firstPending = false;
         }
-        gMeasure.nextTarget = t0 + offsetMicroseconds * 1000LL;
-        EnginePlatform::WaitUntilOffset(t0, sleepMicroseconds, offsetMicroseconds);
+        gMeasure.nextTarget = deadline;
+        pacer.WaitUntil(deadline);
+        if (gRecording.load(std::memory_order_relaxed)) Add(gMeasure.margins, gMeasure.marginCount, pacer.Margin());
     }
+    Pacer pacer;
+};
+
+// The product's wheel clock, telling which thread is the output thread.
+struct BenchWheelClock : SteadyWheelClock {
+    void SleepUntil(int64_t deadline) {
+        if (!gOutputKnown.load(std::memory_order_relaxed)) {
+            gOutputThread = pthread_self();
+            gOutputKnown.store(true);
+        }
+        SteadyWheelClock::SleepUntil(deadline);
+    }
+};
+
+struct BenchPlatform : EnginePlatform {
+    using Pacer = BenchPacer;
+    using Wheel = BasicWheelOutput<DirectInputDevice, BenchWheelClock>;
+
     static void ForceStored(int32_t outputIndex, int32_t) {
         const int64_t now = EnginePlatform::Now();
+        if (!gEngineKnown.load(std::memory_order_relaxed)) {
+            gEngineThread = pthread_self();
+            gEngineKnown.store(true);
+        }
         if (!gRecording.load(std::memory_order_relaxed)) return;
         if (outputIndex == 0) {
             gMeasure.firstStore = now;
             gMeasure.firstPending = true;
-            if (gMeasure.eventCount < kCapacity) gMeasure.eventToFirst[gMeasure.eventCount++] = now - gLastEventSet.load();
+            Add(gMeasure.eventToFirst, gMeasure.eventCount, now - gLastEventSet.load());
         } else {
-            Add(now - gMeasure.nextTarget);
+            Add(gMeasure.lateness, gMeasure.latenessCount, now - gMeasure.nextTarget);
         }
-    }
-    static void Add(int64_t latenessNs) {
-        if (gMeasure.latenessCount < kCapacity) gMeasure.lateness[gMeasure.latenessCount++] = latenessNs;
     }
 };
 
@@ -80,6 +114,7 @@ TelemetryFrame BenchFrame(int tick) {
     return f;
 }
 
+// p in [0, 1] of values in ns, printed in µs.
 double Percentile(std::vector<int64_t> values, double p) {
     if (values.empty()) return 0.0;
     std::sort(values.begin(), values.end());
@@ -87,18 +122,19 @@ double Percentile(std::vector<int64_t> values, double p) {
     return values[index] / 1000.0;
 }
 
-double ThreadCpuSeconds(std::thread& thread) {
+double ThreadCpuSeconds(pthread_t thread) {
     clockid_t clock;
-    if (pthread_getcpuclockid(thread.native_handle(), &clock) != 0) return 0.0;
+    if (pthread_getcpuclockid(thread, &clock) != 0) return 0.0;
     timespec t{};
     clock_gettime(clock, &t);
     return t.tv_sec + t.tv_nsec / 1e9;
 }
 
-// Event set -> wake-up of a thread that does nothing else, at the engine thread's priority (p50, p99; us).
+// Event set -> wake-up of a thread that does nothing else, at the engine thread's priority (µs).
 struct Floor {
     double p50 = 0.0;
     double p99 = 0.0;
+    double max = 0.0;
 };
 
 Floor MeasureFloor(int seconds) {
@@ -118,9 +154,9 @@ Floor MeasureFloor(int seconds) {
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     done.store(true);
     waiter.join();
-    const Floor floor{Percentile(wakes, 0.50), Percentile(wakes, 0.99)};
-    std::printf("floor: event set -> bare wake-up, no engine, %zu ticks (us): p50 %.1f  p99 %.1f\n", wakes.size(),
-                floor.p50, floor.p99);
+    const Floor floor{Percentile(wakes, 0.50), Percentile(wakes, 0.99), Percentile(wakes, 1.0)};
+    std::printf("  floor: event set -> bare wake-up, no engine, %zu ticks (us): p50 %.1f  p99 %.1f  max %.1f\n",
+                wakes.size(), floor.p50, floor.p99, floor.max);
     return floor;
 }
 
@@ -128,42 +164,81 @@ double Ratio(double value, double floor) { return floor > 0.0 ? value / floor : 
 
 void RunMode(int mode, int seconds, const Floor& floor) {
     gMeasure = Measurements{};
+    gMeasure.spacing = (mode == 1 ? kInterpolatedSpacingMicroseconds : kSubSampleSpacingMicroseconds) * 1000LL;
+    gEngineKnown.store(false);
+    gOutputKnown.store(false);
     FfbEngine engine;
     EngineSettings settings;
     settings.Mode = mode;
     engine.StartWith<BenchPlatform>(settings, nullptr, DeviceGuid{});
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));  // connect and reach the track first
-    const double cpuBefore = ThreadCpuSeconds(engine.thread);
+    // Connect, reach the track and let the pacer learn before measuring.
+    std::this_thread::sleep_for(std::chrono::milliseconds(2000));
+    const bool threadsKnown = gEngineKnown.load() && gOutputKnown.load();
+    const double engineBefore = threadsKnown ? ThreadCpuSeconds(gEngineThread) : 0.0;
+    const double outputBefore = threadsKnown ? ThreadCpuSeconds(gOutputThread) : 0.0;
     gRecording.store(true);
     const auto begin = std::chrono::steady_clock::now();
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     gRecording.store(false);
-    const double cpuAfter = ThreadCpuSeconds(engine.thread);
+    const double engineAfter = threadsKnown ? ThreadCpuSeconds(gEngineThread) : 0.0;
+    const double outputAfter = threadsKnown ? ThreadCpuSeconds(gOutputThread) : 0.0;
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     engine.Stop();
 
     std::vector<int64_t> lateness(gMeasure.lateness.begin(), gMeasure.lateness.begin() + gMeasure.latenessCount);
     std::vector<int64_t> latency(gMeasure.eventToFirst.begin(), gMeasure.eventToFirst.begin() + gMeasure.eventCount);
-    const int64_t maxLate = lateness.empty() ? 0 : *std::max_element(lateness.begin(), lateness.end());
-    std::printf("mode %d (%s), %d s, %zu stores, %zu ticks\n", mode,
-                mode == 1 ? "360 Hz interpolated, 1380 us" : "360 Hz telemetry, 2760 us", seconds,
-                lateness.size(), latency.size());
-    std::printf("  lateness vs target offset from t0 (us): p50 %.1f  p99 %.1f  max %.1f\n", Percentile(lateness, 0.50),
-                Percentile(lateness, 0.99), maxLate / 1000.0);
+    std::vector<int64_t> margins(gMeasure.margins.begin(), gMeasure.margins.begin() + gMeasure.marginCount);
+    std::printf("  mode %d (%s), %d s, %zu stores, %zu ticks\n", mode,
+                mode == 1 ? "360 Hz interpolated, 1380 us" : "360 Hz telemetry, 2760 us", seconds, lateness.size(),
+                latency.size());
+    std::printf("    lateness vs target offset from t0 (us): p50 %.1f  p99 %.1f  max %.1f\n",
+                Percentile(lateness, 0.50), Percentile(lateness, 0.99), Percentile(lateness, 1.0));
     const double p50 = Percentile(latency, 0.50);
     const double p99 = Percentile(latency, 0.99);
-    std::printf("  event set -> first store of the tick (us): p50 %.1f (%.1fx floor)  p99 %.1f (%.1fx floor)\n", p50,
+    std::printf("    event set -> first store of the tick (us): p50 %.1f (%.1fx floor)  p99 %.1f (%.1fx floor)\n", p50,
                 Ratio(p50, floor.p50), p99, Ratio(p99, floor.p99));
-    std::printf("  engine thread CPU: %.1f ms per second (%.1f %%)\n", (cpuAfter - cpuBefore) * 1000.0 / wall,
-                (cpuAfter - cpuBefore) * 100.0 / wall);
+    std::printf("    learned sleep margin (us): p50 %.1f  p99 %.1f\n", Percentile(margins, 0.50),
+                Percentile(margins, 0.99));
+    if (!threadsKnown) {
+        std::printf("    thread CPU: threads not found\n");
+        return;
+    }
+    std::printf("    engine thread CPU: %.1f ms per second (%.1f %%); output thread CPU: %.1f ms per second (%.1f %%)\n",
+                (engineAfter - engineBefore) * 1000.0 / wall, (engineAfter - engineBefore) * 100.0 / wall,
+                (outputAfter - outputBefore) * 1000.0 / wall, (outputAfter - outputBefore) * 100.0 / wall);
 }
+
+// As many threads as the machine has hardware threads, spinning at normal priority: a busy PC.
+class Load {
+public:
+    explicit Load(unsigned threads) {
+        for (unsigned i = 0; i < threads; ++i) {
+            spinners.emplace_back([this] {
+                volatile uint64_t work = 0;
+                while (!stop.load(std::memory_order_relaxed)) work = work + 1;
+            });
+        }
+    }
+    ~Load() {
+        stop.store(true);
+        for (std::thread& spinner : spinners) spinner.join();
+    }
+
+private:
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> spinners;
+};
 
 }  // namespace
 
 int main(int argc, char** argv) {
     int seconds = 20;
+    bool idle = true;
+    bool loaded = true;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--seconds") == 0 && i + 1 < argc) seconds = std::max(1, std::atoi(argv[++i]));
+        if (std::strcmp(argv[i], "--idle-only") == 0) loaded = false;
+        if (std::strcmp(argv[i], "--loaded-only") == 0) idle = false;
     }
     sim::TelemetryLayoutWriter layout(sim::StandardVariables(), 3, 4096);
     uint8_t* block = hostsim::Publish(layout.BlockSize());
@@ -183,10 +258,21 @@ int main(int argc, char** argv) {
             std::this_thread::sleep_until(next);
         }
     });
-    std::printf("Engine pacing benchmark (host, %u hardware threads)\n", std::thread::hardware_concurrency());
-    const Floor floor = MeasureFloor(seconds);
-    RunMode(0, seconds, floor);
-    RunMode(1, seconds, floor);
+    const unsigned hardwareThreads = std::max(1u, std::thread::hardware_concurrency());
+    std::printf("Engine pacing benchmark (host, %u hardware threads)\n", hardwareThreads);
+    if (idle) {
+        std::printf("idle\n");
+        const Floor floor = MeasureFloor(seconds);
+        RunMode(0, seconds, floor);
+        RunMode(1, seconds, floor);
+    }
+    if (loaded) {
+        std::printf("loaded: %u threads spinning at normal priority\n", hardwareThreads);
+        Load load(hardwareThreads);
+        const Floor floor = MeasureFloor(seconds);
+        RunMode(0, seconds, floor);
+        RunMode(1, seconds, floor);
+    }
     stop.store(true);
     simulator.join();
     return 0;

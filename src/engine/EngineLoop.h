@@ -25,7 +25,6 @@ namespace veltor {
 
 constexpr int32_t kSubSampleSpacingMicroseconds = 2760;     // 360 Hz, a little under 1/360 s
 constexpr int32_t kInterpolatedSpacingMicroseconds = 1380;  // 720 Hz
-constexpr int32_t kSpacingSleepMicroseconds = 2000;         // of each 2760 µs gap, given to the scheduler
 constexpr uint32_t kEventWaitMilliseconds = 100;
 constexpr int32_t kRetrySleepMilliseconds = 500;
 constexpr float kParkedSpeed = 2.0f;                        // m/s
@@ -47,6 +46,7 @@ template <class Platform>
 class EngineLoop {
 public:
     using Wheel = typename Platform::Wheel;
+    using Pacer = typename Platform::Pacer;
 
     EngineLoop(FfbEngine& engineRef, Wheel& wheelRef) : engine(engineRef), wheel(wheelRef) {}
 
@@ -313,7 +313,7 @@ private:
         for (int i = 0; i + 1 < n && !engine.stopRequested.load(); ++i) {
             const float f = MixForce(settings, base[i], grip.resistanceTorque, texture[i], vibration[i] + correction[i]);
             EmitForce(f * crashGain, parked, settings, i);
-            Platform::WaitUntilOffset(t0, kSpacingSleepMicroseconds, (i + 1) * kSubSampleSpacingMicroseconds);
+            WaitUntilOffset(t0, (i + 1) * kSubSampleSpacingMicroseconds);
         }
         const float last = MixForce(settings, base[n - 1], grip.resistanceTorque, texture[n - 1],
                                     vibration[n - 1] + correction[n - 1]);
@@ -338,17 +338,22 @@ private:
                 t = texture[k] + (texture[k + 1] - texture[k]) * 0.5f;
             }
             const float f = MixForce(settings, b, grip.resistanceTorque, t, vibration[j + 1] + correction[k]);
-            Platform::WaitUntilOffset(t0, 0, (j + 1) * kInterpolatedSpacingMicroseconds);
+            WaitUntilOffset(t0, (j + 1) * kInterpolatedSpacingMicroseconds);
             EmitForce(f * crashGain, parked, settings, j + 1);
         }
-        Platform::WaitUntilOffset(t0, 0, (steps + 1) * kInterpolatedSpacingMicroseconds);
+        WaitUntilOffset(t0, (steps + 1) * kInterpolatedSpacingMicroseconds);
         const float last = MixForce(settings, base[n - 1], grip.resistanceTorque, texture[n - 1],
                                     vibration[2 * n - 1] + correction[n - 1]);
         EmitForce(last * crashGain, parked, settings, 2 * n - 1);
     }
 
+    // Holds the thread until t0 + offset: the pacer sleeps what its learned margin allows and spins the
+    // rest, so each output lands on its own offset and a late one does not push those after it.
+    void WaitUntilOffset(int64_t t0, int32_t offsetMicroseconds) { pacer.WaitUntil(t0 + offsetMicroseconds * 1000LL); }
+
     FfbEngine& engine;
     Wheel& wheel;
+    Pacer pacer;              // learns how late this thread's sleeps wake
     std::string sessionText;  // private copy of the session-info text; reused between scans
 };
 

@@ -10,8 +10,7 @@
 namespace veltor {
 
 int64_t SteadyNowNanoseconds();
-// Yields the processor until the steady clock reaches `deadline` or a little after it.
-void SleepUntilNanoseconds(int64_t deadline);
+// A plain sleep, for waits whose precision does not matter; paced waits go through a Pacer.
 void SleepMilliseconds(int32_t milliseconds);
 
 // The processor's pause hint, issued between readings of a spin wait.

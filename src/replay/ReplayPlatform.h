@@ -33,6 +33,9 @@ struct ReplayWheel {
 // allocate).
 struct ReplayPlatform {
     using Wheel = ReplayWheel;
+    struct Pacer {
+        void WaitUntil(int64_t) {}
+    };
 
     static inline int64_t virtualNow = 0;           // ns
     static inline int32_t currentFrame = 0;
@@ -40,7 +43,6 @@ struct ReplayPlatform {
 
     static int64_t Now() { return virtualNow; }
     static void SleepMilliseconds(int32_t) {}
-    static void WaitUntilOffset(int64_t, int32_t, int32_t) {}
     static void ForceStored(int32_t outputIndex, int32_t value) {
         if (rows != nullptr) rows->push_back({currentFrame, outputIndex, value});
     }

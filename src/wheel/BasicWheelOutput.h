@@ -19,8 +19,7 @@ constexpr int64_t kRampEndNanoseconds = 3000 * kNanosecondsPerMillisecond;
 constexpr float kRampMilliseconds = 1800.0f;
 constexpr int32_t kRampSlewPerPass = 120;
 constexpr int32_t kRunningSlewPerPass = 1200;
-constexpr uint32_t kDeviceEventWaitMilliseconds = 1;
-constexpr int64_t kPassSleepNanoseconds = 1 * kNanosecondsPerMillisecond;  // when there is no device event
+constexpr int64_t kPassNanoseconds = 1 * kNanosecondsPerMillisecond;  // the passes' grid
 constexpr int64_t kEffectRetryNanoseconds = 50 * kNanosecondsPerMillisecond;
 constexpr int32_t kMagnitudeLimit = 10000;
 constexpr int64_t kErrorRepeatNanoseconds = 1000 * kNanosecondsPerMillisecond;
@@ -104,7 +103,8 @@ public:
             clock.SleepUntil(clock.Now() + kEffectRetryNanoseconds);
             return;
         }
-        const bool newPosition = device.HasEvent() && device.WaitForPositionEvent(kDeviceEventWaitMilliseconds);
+        WaitForPassTime();
+        const bool newPosition = device.HasEvent() && device.WaitForPositionEvent(0);
         const int64_t force = commandedForce.load();
         const int64_t damping = ComputeDamping(newPosition);
         const auto sum = static_cast<int32_t>(std::clamp<int64_t>(force + damping, -kMagnitudeLimit, kMagnitudeLimit));
@@ -120,7 +120,6 @@ public:
         } else if (!effectStarted) {
             StartEffect();
         }
-        if (!device.HasEvent()) clock.SleepUntil(clock.Now() + kPassSleepNanoseconds);
     }
 
     // Output thread. The effect at magnitude 0, created but not started.
@@ -236,6 +235,16 @@ private:
         lastErrorTime = 0;
     }
 
+    // Passes keep a 1 ms grid on the clock's best sleep, whether or not the device signals its moves (a
+    // signal is taken at the pass). The first pass after idling, or one a whole period behind, starts the
+    // grid again a period from now.
+    void WaitForPassTime() {
+        const int64_t now = clock.Now();
+        if (now - nextPassTime >= kPassNanoseconds) nextPassTime = now + kPassNanoseconds;
+        clock.SleepUntil(nextPassTime);
+        nextPassTime += kPassNanoseconds;
+    }
+
     // Follows the engine: every change of outputEnabled restarts the warm-up, the ramp and the magnitude.
     void FollowEngine() {
         const bool enabled = outputEnabled.load();
@@ -303,6 +312,7 @@ private:
     }
 
     int32_t newestSlot = 0;    // output thread only: the slot of the last stored reading
+    int64_t nextPassTime = 0;  // output thread only: steady-clock ns of the next pass
     std::thread outputThread;  // engine thread; joinable from Open to Close
 };
 

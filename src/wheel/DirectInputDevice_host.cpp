@@ -93,8 +93,7 @@ void DirectInputDevice::Stop() {
 
 // The device's event: the rim moves on in real time, and a change of lX is what signals.
 bool DirectInputDevice::WaitForPositionEvent(uint32_t timeoutMilliseconds) {
-    const int64_t deadline = SteadyNowNanoseconds() + static_cast<int64_t>(timeoutMilliseconds) * 1000000;
-    SleepUntilNanoseconds(deadline);
+    SleepMilliseconds(static_cast<int32_t>(timeoutMilliseconds));
     const int64_t now = SteadyNowNanoseconds();
     if (objects->lastAdvance != 0) {
         const float seconds = static_cast<float>(now - objects->lastAdvance) / kNanosecondsPerSecond;

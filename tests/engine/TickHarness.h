@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <vector>
 
+#include "SteppedSleeps.h"
 #include "TelemetryLayoutWriter.h"
 #include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
@@ -15,12 +16,7 @@ namespace veltor::test {
 struct StoredForce {
     int32_t outputIndex;
     int32_t value;
-};
-
-struct RequestedWait {
-    int64_t t0;
-    int32_t sleepMicroseconds;
-    int32_t offsetMicroseconds;
+    int64_t at;  // ns on the stepped clock
 };
 
 // The engine's side of the wheel seam, with nothing behind it.
@@ -36,19 +32,16 @@ struct RecordingWheel {
     std::atomic<uint32_t> errorCount{0};
 };
 
-// A clock the test sets, waits between outputs that return at once, and a log of the stores and waits of
+// A clock the test sets, which the burst's pacer moves as it sleeps and spins, and a log of the stores of
 // the last pass. Clearing the log keeps its room, so only the first pass that logs allocates.
 struct SteppedPlatform : EnginePlatform {
     using Wheel = RecordingWheel;
-    static inline int64_t now = 0;
+    using Pacer = BasicPacer<SteppedSleeps>;
+    static inline int64_t& now = SteppedSleeps::now;
     static inline std::vector<StoredForce> stores;
-    static inline std::vector<RequestedWait> waits;
 
     static int64_t Now() { return now; }
-    static void ForceStored(int32_t outputIndex, int32_t value) { stores.push_back({outputIndex, value}); }
-    static void WaitUntilOffset(int64_t t0, int32_t sleepMicroseconds, int32_t offsetMicroseconds) {
-        waits.push_back({t0, sleepMicroseconds, offsetMicroseconds});
-    }
+    static void ForceStored(int32_t outputIndex, int32_t value) { stores.push_back({outputIndex, value, now}); }
 };
 
 // An engine loop on the stepped platform, reading a one-buffer block that the test fills frame by frame.
@@ -67,7 +60,6 @@ public:
         if (!repeat) ++tick;
         layout.SetTickCount(block.data(), 0, tick);
         SteppedPlatform::stores.clear();
-        SteppedPlatform::waits.clear();
         loop.ProcessFrame(client, SteppedPlatform::now);
     }
 
