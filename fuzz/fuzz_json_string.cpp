@@ -5,7 +5,7 @@
 #include <string>
 
 #include "update/UpdateManifest.h"
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;

@@ -4,13 +4,13 @@
 #include "KeyByKeyWrite.h"
 #include "profiles/IniDocument.h"
 #include "profiles/IniEncoding.h"
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
 
 namespace veltor::bench {
 
 bool WriteKeyAlone(const std::wstring& path, const std::wstring& section, const std::wstring& key,
                    const std::wstring& value) {
-    const std::string narrow = ToUtf8(path);
+    const std::string narrow = WideToUtf8(path);
     std::ifstream in(narrow, std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(in)), {});
     IniDocument ini = IniDocument::Parse(DecodeIniBytes(bytes));

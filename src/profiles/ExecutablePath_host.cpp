@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "profiles/ExecutablePath.h"
-#include "telemetry/TextConversion.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 

@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "profiles/IniFile.h"
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 namespace {
@@ -35,7 +35,7 @@ std::string Folder(const std::string& path) {
 IniFileRead ReadIniFile(const std::wstring& path, std::string& bytes, IniFileStamp& stamp) {
     bytes.clear();
     stamp = {};
-    const int fd = open(ToUtf8(path).c_str(), O_RDONLY | O_CLOEXEC);
+    const int fd = open(WideToUtf8(path).c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return errno == ENOENT || errno == ENOTDIR ? IniFileRead::Missing : IniFileRead::Failed;
     struct stat info {};
     bool whole = fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && static_cast<uint64_t>(info.st_size) <= kMaxIniFileBytes;
@@ -60,11 +60,11 @@ IniFileRead ReadIniFile(const std::wstring& path, std::string& bytes, IniFileSta
 
 IniFileStamp StampIniFile(const std::wstring& path) {
     struct stat info {};
-    return stat(ToUtf8(path).c_str(), &info) == 0 ? StampOf(info) : IniFileStamp{};
+    return stat(WideToUtf8(path).c_str(), &info) == 0 ? StampOf(info) : IniFileStamp{};
 }
 
 bool ReplaceIniFile(const std::wstring& path, std::string_view bytes) {
-    const std::string target = ToUtf8(path);
+    const std::string target = WideToUtf8(path);
     mode_t mode = 0644;
     struct stat info {};
     if (stat(target.c_str(), &info) == 0) {
@@ -91,10 +91,10 @@ bool ReplaceIniFile(const std::wstring& path, std::string_view bytes) {
 }
 
 void DeleteFileUnless(const std::wstring& path, const std::wstring& keep) {
-    const std::string target = ToUtf8(path);
+    const std::string target = WideToUtf8(path);
     struct stat file {};
     struct stat kept {};
-    if (stat(target.c_str(), &file) == 0 && stat(ToUtf8(keep).c_str(), &kept) == 0 && file.st_dev == kept.st_dev &&
+    if (stat(target.c_str(), &file) == 0 && stat(WideToUtf8(keep).c_str(), &kept) == 0 && file.st_dev == kept.st_dev &&
         file.st_ino == kept.st_ino) {
         return;
     }

@@ -4,13 +4,13 @@
 #include <cerrno>
 
 #include "recording/RecordingFile.h"
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 
 bool RecordingFile::Create(const std::wstring& path) {
     FlushAndClose();
-    const std::string narrow = ToUtf8(path);
+    const std::string narrow = WideToUtf8(path);
     const int fd = open(narrow.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) return false;
     handle = fd;

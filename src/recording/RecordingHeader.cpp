@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "recording/RecordingSample.h"
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 namespace {

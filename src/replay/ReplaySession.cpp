@@ -10,7 +10,7 @@
 #include "engine/EngineLoop.h"
 #include "engine/FfbEngine.h"
 #include "recording/RecordingHeader.h"
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
 #include "telemetry/IrsdkClient.h"
 
 namespace veltor::replay {
@@ -42,7 +42,7 @@ SessionIdentity ScanReplayIdentity(const ReplayOptions& options, const IbtImage&
 }
 
 std::string IdentityLine(const SessionIdentity& identity) {
-    return "identity car=" + ToUtf8(identity.carPath) + " driver=" + ToUtf8(identity.driverName) +
+    return "identity car=" + WideToUtf8(identity.carPath) + " driver=" + WideToUtf8(identity.driverName) +
            " userId=" + std::to_string(identity.driverUserId) + " known=" + (identity.driverNameKnown ? "1" : "0");
 }
 

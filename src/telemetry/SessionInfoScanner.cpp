@@ -3,7 +3,7 @@
 #include <cstring>
 #include <limits>
 
-#include "telemetry/TextConversion.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 namespace {

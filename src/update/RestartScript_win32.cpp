@@ -3,7 +3,7 @@
 #include <shlwapi.h>
 
 #include "update/RestartScript.h"
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 #include "update/WriteBytes.h"
 
 namespace veltor {

@@ -1,6 +1,6 @@
 #include "update/UpdateManifest.h"
 
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 

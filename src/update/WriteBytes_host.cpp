@@ -3,7 +3,7 @@
 
 #include <cerrno>
 
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 #include "update/WriteBytes.h"
 
 namespace veltor {

@@ -8,7 +8,7 @@
 
 #include "update/RestartScript.h"
 #include "update/UpdateClient.h"
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 
 // The manifest check itself, and the download against the live server, run under Wine in
 // UpdateFlowTest_win32.cpp; here is what a server cannot easily be made to do.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "update/UpdateFlow.h"
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 
 // The flow runs in the real program against the test server under Wine (UpdateFlowTest_win32.cpp), with
 // the notice at start, every failure the server can play and the restart. Here are the stages after the

@@ -15,7 +15,7 @@
 #include "ProgramWindow_win32.h"
 #include "update/RestartScript.h"
 #include "update/Sha256.h"
-#include "update/Utf8Text.h"
+#include "platform/TextConversion.h"
 #include "update/WriteBytes.h"
 
 namespace veltor::test {

@@ -1,6 +1,19 @@
 #include <windows.h>
 
-#include "recording/WideToUtf8.h"
+#include "platform/TextConversion.h"
+
+namespace veltor::text {
+
+// Length -1: the input counts up to its NUL, and the result includes the terminator.
+int WideLength(CodePage page, const std::string& text) {
+    return MultiByteToWideChar(static_cast<UINT>(page), 0, text.c_str(), -1, nullptr, 0);
+}
+
+int ConvertToWide(CodePage page, const std::string& text, wchar_t* out, int capacity) {
+    return MultiByteToWideChar(static_cast<UINT>(page), 0, text.c_str(), -1, out, capacity);
+}
+
+}  // namespace veltor::text
 
 namespace veltor {
 
@@ -10,7 +23,7 @@ void ConvertWideToUtf8(std::wstring_view text, char* out, size_t capacity) {
                         nullptr, nullptr);
 }
 
-std::string ToUtf8(std::wstring_view text) {
+std::string WideToUtf8(std::wstring_view text) {
     if (text.empty()) return {};
     const int length = static_cast<int>(text.size());
     const int needed = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);

@@ -1,7 +1,4 @@
-#include "update/Utf8Text.h"
-
-#include "recording/WideToUtf8.h"
-#include "telemetry/TextConversion.h"
+#include "platform/TextConversion.h"
 
 namespace veltor {
 
@@ -13,7 +10,5 @@ std::wstring Utf8ToWide(const std::string& text) {
     wide.resize(static_cast<size_t>(units - 1));
     return wide;
 }
-
-std::string WideToUtf8(std::wstring_view text) { return ToUtf8(text); }
 
 }  // namespace veltor
