@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "profiles/CarCatalogue.h"
 #include "profiles/ProfileStore.h"
 #include "profiles/SettingsSection.h"
+#include "settings/CarCatalogue.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         store.GetCarSettings(profile, CarCatalogue()[30].CarPath, store.CurrentSettings);
         store.IsKnownCar(store.GetCoefficients(L"mx5 mx52016").CarPath);
     }
-    store.DriverDisplayName(EngineStatus{});
+    store.LookUpDriverIdentity(1);
     if (!store.SaveAll()) __builtin_trap();
 
     const ProfileStore reread = Loaded(path);

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "KeyByKeyWrite.h"
-#include "profiles/CarCatalogue.h"
 #include "profiles/ProfileStore.h"
 #include "profiles/SettingsSection.h"
+#include "settings/CarCatalogue.h"
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/TextConversion.h"
+
 namespace veltor::analyzer {
 namespace {
 
@@ -18,10 +20,23 @@ std::string Text(const char* format, ...) {
     return text;
 }
 
-AdviceRow Row(AdviceKey key, const char* label, double now) {
+// A coefficient's file unit (tenths, hundredths) as decimals; settings are whole numbers.
+int Decimals(AdviceKey key) {
+    const CoefficientRow* row = TargetOf(key).coefficient;
+    int decimals = 0;
+    for (float scale = row != nullptr ? row->scale : 1.0f; scale >= 10.0f; scale /= 10.0f) ++decimals;
+    return decimals;
+}
+
+std::string LabelOf(AdviceKey key) {
+    const AdviceTarget target = TargetOf(key);
+    return WideToUtf8(target.setting != nullptr ? target.setting->label : target.coefficient->label);
+}
+
+AdviceRow Row(AdviceKey key, double now) {
     AdviceRow row;
     row.key = key;
-    row.label = label;
+    row.label = LabelOf(key);
     row.now = now;
     row.proposed = now;
     return row;
@@ -35,7 +50,7 @@ void Propose(AdviceRow& row, double proposed, std::string reason) {
 
 AdviceRow ForceStrengthRow(const RecordingHeader& header, const Analysis& analysis) {
     const ClippingFindings& c = analysis.clipping;
-    AdviceRow row = Row(AdviceKey::ForceStrength, "Force strength", header.ForceStrength);
+    AdviceRow row = Row(AdviceKey::ForceStrength, header.ForceStrength);
     if (c.peakTorque < kNoForceTorque) {
         row.reason = Text("no force to measure: the 99.5th percentile is %.1f Nm", c.peakTorque);
         return row;
@@ -59,7 +74,7 @@ AdviceRow PriorityRow(const RecordingHeader& header, const Analysis& analysis, b
     const TextureFindings& t = analysis.texture;
     const ClippingFindings& c = analysis.clipping;
     const int now = header.SuspensionDetailPriority;
-    AdviceRow row = Row(AdviceKey::SuspensionDetailPriority, "Suspension detail priority", now);
+    AdviceRow row = Row(AdviceKey::SuspensionDetailPriority, now);
     const std::string acted = Text("priority acted on %.1f %% of records", t.priorityActedPercent);
     if (t.priorityActedPercent > kPriorityBusyPercent && now > 0) {
         Propose(row, std::max(0, now - kPriorityStep),
@@ -81,8 +96,8 @@ AdviceRow PriorityRow(const RecordingHeader& header, const Analysis& analysis, b
 // Both texture sliders scale together: the texture grows with the square of a slider.
 void TextureRows(const RecordingHeader& header, const Analysis& analysis, std::vector<AdviceRow>& rows) {
     const TextureFindings& t = analysis.texture;
-    AdviceRow road = Row(AdviceKey::SuspensionTexture, "Road texture", header.Bumps);
-    AdviceRow impact = Row(AdviceKey::SuspensionImpactTexture, "Impact texture", header.BumpImpacts);
+    AdviceRow road = Row(AdviceKey::SuspensionTexture, header.Bumps);
+    AdviceRow impact = Row(AdviceKey::SuspensionImpactTexture, header.BumpImpacts);
     std::string reason;
     if (header.Bumps <= 0 && header.BumpImpacts <= 0) {
         reason = "texture is switched off";
@@ -111,10 +126,9 @@ void TextureRows(const RecordingHeader& header, const Analysis& analysis, std::v
     }
 }
 
-AdviceRow CoefficientRow(AdviceKey key, const char* label, double now, bool fitted, double fitValue,
-                         const std::string& refusal, double deadBand, double stepsPerUnit, const Recording& recording,
-                         const CoefficientFit& fit) {
-    AdviceRow row = Row(key, label, now);
+AdviceRow FittedRow(AdviceKey key, double now, bool fitted, double fitValue, const std::string& refusal,
+                    double deadBand, const Recording& recording, const CoefficientFit& fit) {
+    AdviceRow row = Row(key, now);
     if (!NamesACar(HeaderText(recording.header.carPath))) {
         row.reason = "the recording names no car to advise";
         return row;
@@ -123,6 +137,7 @@ AdviceRow CoefficientRow(AdviceKey key, const char* label, double now, bool fitt
         row.reason = "not fitted: " + refusal;
         return row;
     }
+    const double stepsPerUnit = TargetOf(key).coefficient->scale;
     const double proposed = std::round(fitValue * stepsPerUnit) / stepsPerUnit;
     const std::string measured = "fit over " + std::to_string(fit.samples) + " records with grip gives " +
                                  FormatAdviceValue(key, proposed) + Text(" (R² %.2f)", fit.rSquared);
@@ -144,8 +159,25 @@ bool NamesACar(const std::string& carPath) {
     return !folded.empty() && folded != "generic";
 }
 
-std::string FormatAdviceValue(AdviceKey key, double value) {
-    return Text(key == AdviceKey::YawRateMultiplier ? "%.1f" : "%.0f", value);
+AdviceTarget TargetOf(AdviceKey key) {
+    switch (key) {
+        case AdviceKey::ForceStrength: return {&SettingRowOf(&EngineSettings::ForceStrength), nullptr};
+        case AdviceKey::SuspensionDetailPriority:
+            return {&SettingRowOf(&EngineSettings::SuspensionDetailPriority), nullptr};
+        case AdviceKey::SuspensionTexture: return {&SettingRowOf(&EngineSettings::Bumps), nullptr};
+        case AdviceKey::SuspensionImpactTexture: return {&SettingRowOf(&EngineSettings::BumpImpacts), nullptr};
+        case AdviceKey::YawRateMultiplier: return {nullptr, &CoefficientRowOf(&CarCoefficients::YawRateMultiplier)};
+        case AdviceKey::LateralAccelDivisor:
+            return {nullptr, &CoefficientRowOf(&CarCoefficients::LateralAccelDivisor)};
+    }
+    return {};
+}
+
+std::string FormatAdviceValue(AdviceKey key, double value) { return Text("%.*f", Decimals(key), value); }
+
+long long AdviceFileValue(AdviceKey key, double value) {
+    const CoefficientRow* row = TargetOf(key).coefficient;
+    return std::llround(value * (row != nullptr ? static_cast<double>(row->scale) : 1.0));
 }
 
 Advice BuildAdvice(const Recording& recording, const Analysis& analysis) {
@@ -157,15 +189,14 @@ Advice BuildAdvice(const Recording& recording, const Analysis& analysis) {
     advice.rows.push_back(ForceStrengthRow(header, analysis));
     advice.rows.push_back(PriorityRow(header, analysis, advice.rows.back().advised));
     TextureRows(header, analysis, advice.rows);
-    advice.rows.push_back(CoefficientRow(AdviceKey::YawRateMultiplier, "Steering build-up", header.YawRateMultiplier,
-                                         fit.yawFitted, fit.yawRateMultiplier, fit.yawRefusal,
-                                         kYawRateMultiplierDeadBand, 10.0, recording, fit));
-    advice.rows.push_back(CoefficientRow(AdviceKey::LateralAccelDivisor, "Cornering load balance",
-                                         header.LateralAccelDivisor, fit.lateralFitted, fit.lateralAccelDivisor,
-                                         fit.lateralRefusal, kLateralAccelDivisorDeadBand, 1.0, recording, fit));
+    advice.rows.push_back(FittedRow(AdviceKey::YawRateMultiplier, header.YawRateMultiplier, fit.yawFitted,
+                                    fit.yawRateMultiplier, fit.yawRefusal, kYawRateMultiplierDeadBand, recording, fit));
+    advice.rows.push_back(FittedRow(AdviceKey::LateralAccelDivisor, header.LateralAccelDivisor, fit.lateralFitted,
+                                    fit.lateralAccelDivisor, fit.lateralRefusal, kLateralAccelDivisorDeadBand,
+                                    recording, fit));
     if (analysis.records < kMinimumRecordsForAdvice) {
         for (AdviceRow& row : advice.rows) {
-            row = Row(row.key, row.label, row.now);
+            row = Row(row.key, row.now);
             row.reason = "only " + std::to_string(analysis.records) + " records: " +
                          std::to_string(kMinimumRecordsForAdvice) + " (10 s) needed for advice";
         }

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "analyzer/RecordingAnalysis.h"
+#include "settings/CarCoefficients.h"
+#include "settings/EngineSettings.h"
 
 namespace veltor::analyzer {
 
@@ -30,10 +32,17 @@ enum class AdviceKey {
     LateralAccelDivisor,
 };
 
+// The program's field that a row of advice proposes a value for: a setting or a car's coefficient.
+struct AdviceTarget {
+    const SettingRow* setting = nullptr;
+    const CoefficientRow* coefficient = nullptr;
+};
+AdviceTarget TargetOf(AdviceKey key);
+
 // One line of the advice: value now → proposed, and why (or why not).
 struct AdviceRow {
     AdviceKey key = AdviceKey::ForceStrength;
-    const char* label = "";  // the slider's label in the program
+    std::string label;       // the slider's label in the program
     double now = 0.0;
     double proposed = 0.0;   // equals `now` when nothing is proposed
     bool advised = false;    // a change is proposed
@@ -49,8 +58,12 @@ struct Advice {
 
 Advice BuildAdvice(const Recording& recording, const Analysis& analysis);
 
-// The value as the program's slider shows it: whole numbers, the steering build-up with one decimal.
+// The value with as many decimals as its field's unit in the program's file holds: whole numbers for the
+// settings, one decimal for the steering build-up (tenths).
 std::string FormatAdviceValue(AdviceKey key, double value);
+
+// The value as the advice file stores it: in the file's unit, rounded.
+long long AdviceFileValue(AdviceKey key, double value);
 
 // True when the recording names a car that coefficient advice can go to.
 bool NamesACar(const std::string& carPath);

@@ -1,8 +1,7 @@
 #include "analyzer/AdviceFile.h"
 
 #include <algorithm>
-#include <cmath>
-#include <optional>
+#include <vector>
 
 #include "profiles/IniDocument.h"
 #include "profiles/IniEncoding.h"
@@ -15,54 +14,49 @@ namespace {
 constexpr int kAdviceVersion = 1;
 constexpr wchar_t kSection[] = L"Advice";
 
-// The two groups of the file in its order: each value key with its Apply flag, and the row of ours that
-// may advise it (none for the values this analyzer never advises; their flags are still written as 0).
-struct GroupKey {
-    const wchar_t* valueKey;
-    const wchar_t* applyKey;
-    std::optional<AdviceKey> row;
-    double factor;  // value in the file = proposed × factor, rounded
+// One value key of the file with its Apply key, and the row of ours that advises it, if any: the program
+// takes a missing Apply flag as set, so a value this analyzer never advises still gets its flag, as 0.
+struct FileKey {
+    std::wstring_view value;
+    std::wstring_view apply;
+    const AdviceRow* row;  // null, or advised
 };
 
-constexpr GroupKey kProfileKeys[] = {
-    {L"ForceStrength", L"ApplyForceStrength", AdviceKey::ForceStrength, 1.0},
-    {L"CarForceBalance", L"ApplyCarForceBalance", std::nullopt, 1.0},
-    {L"SuspensionTexture", L"ApplySuspensionTexture", AdviceKey::SuspensionTexture, 1.0},
-    {L"SuspensionImpactTexture", L"ApplySuspensionImpactTexture", AdviceKey::SuspensionImpactTexture, 1.0},
-    {L"SuspensionDetailPriority", L"ApplySuspensionDetailPriority", AdviceKey::SuspensionDetailPriority, 1.0},
-    {L"AbsVibration", L"ApplyAbsVibration", std::nullopt, 1.0},
-};
-
-constexpr GroupKey kCoefficientKeys[] = {
-    {L"YawRateMultiplierTenth", L"ApplyYawRateMultiplier", AdviceKey::YawRateMultiplier, 10.0},
-    {L"YawSteerGainThousand", L"ApplyYawSteerGain", std::nullopt, 1000.0},
-    {L"LateralAccelDivisor", L"ApplyLateralAccelDivisor", AdviceKey::LateralAccelDivisor, 1.0},
-    {L"ResistanceGainHundred", L"ApplyResistanceGain", std::nullopt, 100.0},
-    {L"SteerMarginBiasTenthDeg", L"ApplySteerMarginBias", std::nullopt, 572.9578},
-};
-
-const AdviceRow* AdvisedRow(const Advice& advice, const GroupKey& key) {
+const AdviceRow* AdvisedRow(const Advice& advice, AdviceTarget target) {
     for (const AdviceRow& row : advice.rows) {
-        if (key.row == row.key && row.advised) return &row;
+        const AdviceTarget own = TargetOf(row.key);
+        if (row.advised && own.setting == target.setting && own.coefficient == target.coefficient) return &row;
     }
     return nullptr;
 }
 
-template <size_t N>
-void WriteGroup(const Advice& advice, const wchar_t* hasKey, const GroupKey (&keys)[N], IniDocument& ini) {
-    const bool present = std::any_of(std::begin(keys), std::end(keys),
-                                     [&](const GroupKey& key) { return AdvisedRow(advice, key) != nullptr; });
+// The settings that advice may name, in the order of their group in the file.
+std::vector<FileKey> ProfileKeys(const Advice& advice) {
+    std::vector<FileKey> keys;
+    for (int32_t order = 1;; ++order) {
+        const auto row = std::find_if(kSettingRows.begin(), kSettingRows.end(),
+                                      [&](const SettingRow& r) { return r.adviceOrder == order; });
+        if (row == kSettingRows.end()) return keys;
+        keys.push_back({row->adviceKey, row->applyKey, AdvisedRow(advice, {&*row, nullptr})});
+    }
+}
+
+std::vector<FileKey> CoefficientKeys(const Advice& advice) {
+    std::vector<FileKey> keys;
+    for (const CoefficientRow& row : kCoefficientRows) {
+        keys.push_back({row.key, row.applyKey, AdvisedRow(advice, {nullptr, &row})});
+    }
+    return keys;
+}
+
+void WriteGroup(const wchar_t* hasKey, const std::vector<FileKey>& keys, IniDocument& ini) {
+    const bool present = std::any_of(keys.begin(), keys.end(), [](const FileKey& key) { return key.row != nullptr; });
     ini.SetString(kSection, hasKey, present ? L"1" : L"0");
     if (!present) return;
-    for (const GroupKey& key : keys) {
-        if (const AdviceRow* row = AdvisedRow(advice, key)) {
-            ini.SetString(kSection, key.valueKey, DecimalText(std::llround(row->proposed * key.factor)));
-        }
+    for (const FileKey& key : keys) {
+        if (key.row != nullptr) ini.SetString(kSection, key.value, DecimalText(AdviceFileValue(key.row->key, key.row->proposed)));
     }
-    for (const GroupKey& key : keys) {
-        const AdviceRow* row = AdvisedRow(advice, key);
-        ini.SetString(kSection, key.applyKey, row != nullptr && row->apply ? L"1" : L"0");
-    }
+    for (const FileKey& key : keys) ini.SetString(kSection, key.apply, key.row != nullptr && key.row->apply ? L"1" : L"0");
 }
 
 }  // namespace
@@ -77,8 +71,8 @@ std::wstring AdviceFileText(const Advice& advice) {
     ini.SetString(kSection, L"Version", DecimalText(kAdviceVersion));
     ini.SetString(kSection, L"Profile", DecodeIniBytes(advice.profile));
     ini.SetString(kSection, L"Car", DecodeIniBytes(advice.car));
-    WriteGroup(advice, L"HasProfileSettings", kProfileKeys, ini);
-    WriteGroup(advice, L"HasCoefficientAdvice", kCoefficientKeys, ini);
+    WriteGroup(L"HasProfileSettings", ProfileKeys(advice), ini);
+    WriteGroup(L"HasCoefficientAdvice", CoefficientKeys(advice), ini);
     return ini.Serialize();
 }
 

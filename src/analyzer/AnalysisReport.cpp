@@ -83,7 +83,7 @@ void AdviceTable(std::string& text, const Advice& advice) {
     for (const AdviceRow& row : advice.rows) {
         const std::string now = FormatAdviceValue(row.key, row.now);
         const std::string proposed = row.advised ? FormatAdviceValue(row.key, row.proposed) : "keep";
-        Line(text, "  %-28s %6s -> %-6s %s", row.label, now.c_str(), proposed.c_str(), row.reason.c_str());
+        Line(text, "  %-28s %6s -> %-6s %s", row.label.c_str(), now.c_str(), proposed.c_str(), row.reason.c_str());
     }
 }
 

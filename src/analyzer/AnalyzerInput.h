@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "analyzer/RecordingReader.h"
-#include "engine/EngineSettings.h"
-#include "profiles/CarCoefficients.h"
+#include "settings/CarCoefficients.h"
+#include "settings/EngineSettings.h"
 
 namespace veltor::analyzer {
 

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "app/CheckboxControl.h"
+#include "app/DriverTracking.h"
 #include "app/GdiplusFlat.h"
 #include "app/SliderControl.h"
 #include "engine/FfbEngine.h"
-#include "profiles/DriverTracking.h"
 #include "profiles/ProfileStore.h"
 #include "wheel/WheelDevice.h"
 
@@ -78,7 +78,7 @@ public:
     DriverTracking<App> Tracking() { return {Store, *this}; }
     void ShowSettings(const EngineSettings& settings);
     void SetSliderValue(int32_t id, int32_t value);
-    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCarSliderCount>& sliderValues);
+    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& sliderValues);
     void ShowProfileList(const std::vector<DriverProfile>& profiles, int32_t selected);
     void ShowCarSpecificCheck(bool checked);
     void ShowTorqueField(int32_t tenths);

@@ -14,21 +14,6 @@ constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Ru
 constexpr wchar_t kRunValue[] = L"Veltor";
 constexpr DWORD kModulePathChars = 260;
 
-// What the session log says when a switch changes, on and off.
-struct SwitchMessage {
-    int32_t id;
-    const wchar_t* on;
-    const wchar_t* off;
-};
-
-constexpr SwitchMessage kSwitchMessages[] = {
-    {1005, L"Parked force reduction enabled.", L"Parked force reduction disabled."},
-    {1006, L"Start minimized enabled.", L"Start minimized disabled."},
-    {1007, L"Run on startup enabled.", L"Run on startup disabled."},
-    {1011, L"Simucube mode enabled. Stop and Start FFB to apply.", L"Simucube mode disabled. Stop and Start FFB to apply."},
-    {1012, L"Debug logging enabled.", L"Debug logging disabled."},
-};
-
 // The user's Run key starts the program, quoted, at log-on. A key that won't open changes nothing, and the
 // switch keeps what the user chose.
 void WriteRunOnStartup(bool on) {
@@ -93,7 +78,7 @@ LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
 void App::OnTimer() {
     const EngineStatus status = Engine.CopyStatus();
     Tracking().PollStatus(status);
-    const std::wstring third = L"Driver: " + Store.DriverDisplayName(status) + L" | Car: " + status.carPath;
+    const std::wstring third = L"Driver: " + Tracking().DriverDisplayName(status) + L" | Car: " + status.carPath;
     SetStatusTexts(status.connected ? L"iRacing connected" : L"iRacing disconnected",
                    status.onTrack ? L"On track" : L"Not on track", third);
     LogNewStatusReports(*this, status, Store.CurrentSettings.DebugLogging);
@@ -104,8 +89,8 @@ void App::OnSlider(HWND slider, int32_t value) {
         if (row.Control != slider) continue;
         row.Value = value;
         const int32_t id = GetDlgCtrlID(slider);
-        if (id >= kFirstCarSliderId && id < kFirstCarSliderId + static_cast<int32_t>(kCarSliderCount)) {
-            Tracking().OnCoefficientSlider(id, value);
+        if (const CoefficientRow* coefficient = FindCoefficientRow(id)) {
+            Tracking().OnCoefficientSlider(*coefficient, value);
         } else if (const CatalogueEntry* entry = FindTunableControl(id); entry != nullptr && entry->SliderField) {
             Tracking().ChangeSetting(entry->SliderField, value);
         }
@@ -129,9 +114,8 @@ void App::OnCheckbox(int32_t id) {
     }
     if (id == 1007) WriteRunOnStartup(on);
     Tracking().ChangeSetting(entry->CheckField, on);
-    for (const SwitchMessage& message : kSwitchMessages) {
-        if (message.id == id) AppendLog(on ? message.on : message.off);
-    }
+    const SettingRow& setting = SettingRowOf(entry->CheckField);
+    AppendLog(std::wstring(on ? setting.onLog : setting.offLog));
 }
 
 void App::ApplyAdviceFile(const std::wstring& path) { Tracking().ApplyAdviceFile(path); }

@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 
 namespace veltor {
 

@@ -8,7 +8,6 @@ namespace veltor {
 namespace {
 
 using K = ControlKind;
-using S = EngineSettings;
 
 constexpr CatalogueEntry Label(std::wstring_view text, ControlRect rect, ControlFont font = ControlFont::Body) {
     return {.Kind = K::Label, .Text = text, .Rect = rect, .Font = font};
@@ -19,20 +18,23 @@ constexpr CatalogueEntry Button(int32_t id, std::wstring_view text, ControlRect 
     return {.Kind = K::PushButton, .Id = id, .Text = text, .Rect = rect, .Setup = setup};
 }
 
-constexpr CatalogueEntry Check(int32_t id, std::wstring_view label, int32_t y, bool S::*field) {
-    return {.Kind = K::Checkbox, .Id = id, .Text = label, .Rect = {48, y, 250, 24}, .CheckField = field};
+// A checkbox or a slider of a setting: its label, range and field come from the setting's row.
+constexpr CatalogueEntry Check(int32_t id, int32_t y) {
+    const SettingRow& row = *FindSettingRow(id);
+    return {.Kind = K::Checkbox, .Id = id, .Text = row.label, .Rect = {48, y, 250, 24}, .CheckField = row.flag};
 }
 
-constexpr CatalogueEntry Slider(int32_t id, std::wstring_view name, int32_t x, int32_t y, int32_t minimum,
-                                int32_t maximum, int32_t S::*field) {
-    return {.Kind = K::Slider, .Id = id, .Text = name, .Rect = {x, y, 0, 0}, .Font = ControlFont::None,
-            .Minimum = minimum, .Maximum = maximum, .SliderField = field};
+constexpr CatalogueEntry Slider(int32_t id, int32_t x, int32_t y) {
+    const SettingRow& row = *FindSettingRow(id);
+    return {.Kind = K::Slider, .Id = id, .Text = row.label, .Rect = {x, y, 0, 0}, .Font = ControlFont::None,
+            .Minimum = row.minimum, .Maximum = row.maximum, .SliderField = row.number};
 }
 
-constexpr CatalogueEntry CarSlider(int32_t id, std::wstring_view name, int32_t y, int32_t minimum, int32_t maximum,
-                                   int32_t createdWith, ControlSetup setup = ControlSetup::None) {
-    return {.Kind = K::Slider, .Id = id, .Text = name, .Rect = {1298, y, 0, 0}, .Font = ControlFont::None,
-            .Setup = setup, .Minimum = minimum, .Maximum = maximum, .CreatedWith = createdWith};
+// A car slider: label and range from the coefficient's row.
+constexpr CatalogueEntry CarSlider(int32_t id, int32_t y, ControlSetup setup = ControlSetup::None) {
+    const CoefficientRow& row = *FindCoefficientRow(id);
+    return {.Kind = K::Slider, .Id = id, .Text = row.label, .Rect = {1298, y, 0, 0}, .Font = ControlFont::None,
+            .Setup = setup, .Minimum = row.minimum, .Maximum = row.maximum, .Coefficient = &row};
 }
 
 constexpr std::array kCatalogue{
@@ -49,39 +51,39 @@ constexpr std::array kCatalogue{
     Button(1010, L"Save", {180, 390, 118, 34}),
     Button(1001, L"Start", {48, 442, 118, 34}),
     Button(1002, L"Stop", {180, 442, 118, 34}, ControlSetup::Disable),
-    Check(1004, L"Use car specific settings", 496, &S::UseCarSpecificSettings),
-    Check(1005, L"Reduce force when parked", 522, &S::ReduceForceWhenParked),
-    Check(1006, L"Start minimized", 548, &S::StartMinimized),
-    Check(1007, L"Run on startup", 574, &S::RunOnStartup),
-    Check(1011, L"Simucube mode", 600, &S::SimucubeMode),
-    Check(1012, L"Debug logging", 626, &S::DebugLogging),
+    Check(1004, 496),
+    Check(1005, 522),
+    Check(1006, 548),
+    Check(1007, 574),
+    Check(1011, 600),
+    Check(1012, 626),
     // Tuning matrix.
     Label(L"BASE SIGNAL", {374, 188, 220, 20}),
-    Slider(1100, L"Min force", 374, 218, 0, 20, &S::MinForce),
-    Slider(1101, L"Force strength", 374, 288, 0, 100, &S::ForceStrength),
-    Slider(1104, L"Damping", 374, 358, 0, 100, &S::Damping),
-    Slider(1102, L"Road texture", 374, 428, 0, 100, &S::Bumps),
-    Slider(1103, L"Impact texture", 374, 498, 0, 100, &S::BumpImpacts),
-    Slider(1105, L"ABS vibration", 374, 568, 0, 100, &S::AbsVibration),
+    Slider(1100, 374, 218),
+    Slider(1101, 374, 288),
+    Slider(1104, 374, 358),
+    Slider(1102, 374, 428),
+    Slider(1103, 374, 498),
+    Slider(1105, 374, 568),
     Label(L"GRIP MODEL", {674, 188, 220, 20}),
-    Slider(1109, L"Understeer resistance", 674, 218, 0, 100, &S::UndersteerResistance),
-    Slider(1108, L"Understeer lightening", 674, 288, 0, 100, &S::UndersteerLighten),
-    Slider(1106, L"Car force balance", 674, 358, 50, 150, &S::CarForceBalance),
-    Slider(1107, L"Suspension detail priority", 674, 428, 0, 100, &S::SuspensionDetailPriority),
-    Slider(1110, L"Oversteer correction", 674, 498, 0, 150, &S::OversteerCorrection),
-    Slider(1111, L"Oversteer offset", 674, 568, 0, 100, &S::OversteerOffset),
+    Slider(1109, 674, 218),
+    Slider(1108, 674, 288),
+    Slider(1106, 674, 358),
+    Slider(1107, 674, 428),
+    Slider(1110, 674, 498),
+    Slider(1111, 674, 568),
     // Crash protection.
-    Slider(1112, L"Longitudinal G-force", 978, 218, 0, 120, &S::CrashLongG),
-    Slider(1113, L"Lateral G-force", 978, 288, 0, 120, &S::CrashLatG),
-    Slider(1114, L"Duration", 978, 358, 0, 50, &S::CrashDurationTenths),
-    Slider(1115, L"Force reduction", 978, 428, 0, 99, &S::CrashReduction),
+    Slider(1112, 978, 218),
+    Slider(1113, 978, 288),
+    Slider(1114, 978, 358),
+    Slider(1115, 978, 428),
     // Car-specific feel: the label is the App's CarLabel, the sliders show the car's coefficients.
     CatalogueEntry{.Kind = K::CarLabel, .Text = L"Car: generic", .Rect = {1298, 188, 244, 22}},
-    CarSlider(1116, L"Steering build-up", 218, 100, 700, 440),
-    CarSlider(1117, L"Extra load in big steering", 288, 0, 450, 0),
-    CarSlider(1118, L"Cornering load balance", 358, 50, 130, 110),
-    CarSlider(1119, L"Understeer weight", 428, 50, 200, 100),
-    CarSlider(1120, L"Understeer trigger point", 498, 0, 200, 100, ControlSetup::ShowCarPanel),
+    CarSlider(1116, 218),
+    CarSlider(1117, 288),
+    CarSlider(1118, 358),
+    CarSlider(1119, 428),
+    CarSlider(1120, 498, ControlSetup::ShowCarPanel),
     // Top band.
     Label(L"WHEELBASE MAX TORQUE", {980, 42, 230, 20}, ControlFont::Section),
     CatalogueEntry{.Kind = K::TorqueEdit, .Id = 1131, .Text = L"", .Rect = {980, 68, 128, 28}, .Setup = ControlSetup::FillTorque},

@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "engine/EngineSettings.h"
+#include "settings/CarCoefficients.h"
+#include "settings/EngineSettings.h"
 
 namespace veltor {
 
@@ -54,7 +55,8 @@ struct ControlRect {
 
 // One row of the catalogue: a standard control, a checkbox, or a slider block made of a name label, a value
 // text and the slider (Rect then holds the block's origin). Rows stand in creation order, which is the
-// order of the window's child list.
+// order of the window's child list. A setting's or a coefficient's label, range and field come from its
+// row in the settings tables; the catalogue adds where it stands.
 struct CatalogueEntry {
     ControlKind Kind = ControlKind::Label;
     int32_t Id = 0;
@@ -64,8 +66,8 @@ struct CatalogueEntry {
     ControlSetup Setup = ControlSetup::None;
     int32_t Minimum = 0;  // sliders
     int32_t Maximum = 0;
-    int32_t EngineSettings::*SliderField = nullptr;  // null for the car sliders, which show coefficients
-    int32_t CreatedWith = 0;                         // a car slider's value until the car panel is shown
+    int32_t EngineSettings::*SliderField = nullptr;  // a setting's slider
+    const CoefficientRow* Coefficient = nullptr;     // a car slider, which shows a coefficient
     bool EngineSettings::*CheckField = nullptr;      // checkboxes
 };
 

@@ -3,10 +3,10 @@
 #include <string>
 
 #include "app/ControlCatalogue.h"
-#include "app/SliderValueText.h"
 #include "app/Theme.h"
+#include "app/TorqueField.h"
 #include "app/WindowTheme.h"
-#include "profiles/TorqueField.h"
+#include "settings/ValueText.h"
 
 namespace veltor {
 namespace {
@@ -71,6 +71,12 @@ HFONT FontFor(const App& app, ControlFont font) {
     return nullptr;
 }
 
+// A car slider shows the car-independent number until the car panel is filled.
+int32_t CarSliderBeforeAnyCar(const CatalogueEntry& entry) {
+    const CarCoefficients independent = CarCoefficients::FromRow(L"", kCarIndependentRow);
+    return CarSliderValue(*entry.Coefficient, independent.*entry.Coefficient->field);
+}
+
 void AppendTo(HWND edit, const wchar_t* line) {
     if (edit == nullptr || !IsWindow(edit)) return;
     const int end = GetWindowTextLengthW(edit);
@@ -103,7 +109,7 @@ void App::CreateControls() {
     for (const CatalogueEntry& entry : ControlCatalogue()) {
         const std::wstring text(entry.Text);
         if (entry.Kind == ControlKind::Slider) {
-            const int32_t value = entry.SliderField != nullptr ? settings.*entry.SliderField : entry.CreatedWith;
+            const int32_t value = entry.SliderField != nullptr ? settings.*entry.SliderField : CarSliderBeforeAnyCar(entry);
             CreateSliderRow(entry.Id, text.c_str(), entry.Rect.X, entry.Rect.Y, entry.Minimum, entry.Maximum, value);
         } else if (entry.Kind == ControlKind::Checkbox) {
             CheckboxRow* row = CreateCheckboxRow(entry.Id, text.c_str(), entry.Rect.Y, settings.*entry.CheckField);

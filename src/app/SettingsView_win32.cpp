@@ -2,16 +2,12 @@
 #include "app/App.h"
 #include "app/ControlCatalogue.h"
 #include "app/SliderGeometry.h"
-#include "profiles/TorqueField.h"
+#include "app/TorqueField.h"
 
 #include <algorithm>
 
 namespace veltor {
 namespace {
-
-// The settings sliders in the order they are set, which is also the order of their blocks on screen.
-constexpr int32_t kSettingsSliderIds[] = {1100, 1101, 1104, 1105, 1102, 1103, 1109, 1108,
-                                          1106, 1107, 1110, 1111, 1112, 1113, 1114, 1115};
 
 constexpr int kProfileNameChars = 128;  // 127 and the terminator
 constexpr int kTorqueTextChars = 16;
@@ -35,8 +31,8 @@ void App::ShowSettings(const EngineSettings& settings) {
         row.Checked = settings.*entry->CheckField;
         InvalidateRect(row.Control, nullptr, FALSE);
     }
-    for (int32_t id : kSettingsSliderIds) {
-        if (const CatalogueEntry* entry = FindTunableControl(id)) SetSliderValue(id, settings.*entry->SliderField);
+    for (const CatalogueEntry& entry : ControlCatalogue()) {
+        if (entry.SliderField != nullptr) SetSliderValue(entry.Id, settings.*entry.SliderField);
     }
     ShowTorqueField(settings.WheelbaseMaxTorqueTenths);
 }
@@ -50,11 +46,9 @@ void App::SetSliderValue(int32_t id, int32_t value) {
     InvalidateRect(row->Control, nullptr, FALSE);
 }
 
-void App::ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCarSliderCount>& sliderValues) {
+void App::ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& sliderValues) {
     if (CarLabel != nullptr) SetWindowTextW(CarLabel, std::wstring(label).c_str());
-    for (size_t i = 0; i < kCarSliderCount; ++i) {
-        SetSliderValue(kFirstCarSliderId + static_cast<int32_t>(i), sliderValues[i]);
-    }
+    for (size_t i = 0; i < kCoefficientCount; ++i) SetSliderValue(kCoefficientRows[i].control, sliderValues[i]);
 }
 
 void App::ShowProfileList(const std::vector<DriverProfile>& profiles, int32_t selected) {

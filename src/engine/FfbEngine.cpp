@@ -2,7 +2,7 @@
 
 #include "engine/CrashProtection.h"
 #include "engine/RecordingHook.h"
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 
 namespace veltor {
 namespace {

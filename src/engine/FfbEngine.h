@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "engine/EngineStatus.h"
 #include "platform/WindowHandle.h"
-#include "profiles/CarCoefficients.h"
+#include "settings/CarCoefficients.h"
 #include "recording/TelemetryRecorder.h"
 #include "telemetry/TelemetryFrame.h"
 #include "wheel/DeviceGuid.h"

@@ -1,6 +1,6 @@
 #pragma once
-#include "engine/EngineSettings.h"
-#include "profiles/CarCoefficients.h"
+#include "settings/EngineSettings.h"
+#include "settings/CarCoefficients.h"
 #include "telemetry/TelemetryFrame.h"
 
 namespace veltor {

@@ -2,10 +2,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "engine/GripModel.h"
 #include "engine/TickSignals.h"
-#include "profiles/CarCoefficients.h"
+#include "settings/CarCoefficients.h"
 #include "recording/RecordingHeader.h"
 #include "recording/RecordingSample.h"
 #include "recording/TelemetryRecorder.h"

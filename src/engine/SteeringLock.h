@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "telemetry/TelemetryFrame.h"
 
 namespace veltor {

@@ -1,5 +1,5 @@
 #pragma once
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "engine/GripModel.h"
 #include "telemetry/TelemetryFrame.h"
 

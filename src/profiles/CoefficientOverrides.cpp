@@ -1,39 +1,16 @@
-#include <cmath>
-
-#include "profiles/CarCatalogue.h"
 #include "profiles/ProfileStore.h"
 #include "profiles/ProfileText.h"
 #include "profiles/SettingsSection.h"
+#include "settings/CarCatalogue.h"
 
 namespace veltor {
 namespace {
 
 constexpr size_t kCarBufferChars = 128;
-constexpr float kRadiansToTenthDegrees = 572.9578f;
 
-// One stored number of a Coefficient%d section: its key, the factor from the float and the default.
-struct CoefficientKey {
-    std::wstring_view name;
-    float CarCoefficients::*field;
-    float factor;
-    int32_t fallback;
-};
-
-constexpr CoefficientKey kCoefficientKeys[] = {
-    {L"YawRateMultiplierTenth", &CarCoefficients::YawRateMultiplier, 10.0f, 440},
-    {L"YawSteerGainThousand", &CarCoefficients::YawSteerGain, 1000.0f, 0},
-    {L"LateralAccelDivisor", &CarCoefficients::LateralAccelDivisor, 1.0f, 110},
-    {L"ResistanceGainHundred", &CarCoefficients::ResistanceGain, 100.0f, 100},
-    {L"SteerMarginBiasTenthDeg", &CarCoefficients::SteerMarginBias, kRadiansToTenthDegrees, 0},
-};
-
-// Half away from zero; a value beyond 32 bits saturates and a NaN, which no slider or file gives, stores 0.
-int32_t StoredInteger(float value, float factor) {
-    const float scaled = value * factor;
-    if (std::isnan(scaled)) return 0;
-    if (scaled >= 2147483647.0f) return INT32_MAX;
-    if (scaled <= -2147483648.0f) return INT32_MIN;
-    return static_cast<int32_t>(std::round(scaled));
+// A key missing from a Coefficient section stands for the car-independent number.
+int32_t IndependentFileValue(const CoefficientRow& row) {
+    return CoefficientFileValue(row, CarCoefficients::FromRow(L"", kCarIndependentRow).*row.field);
 }
 
 }  // namespace
@@ -48,8 +25,8 @@ void ProfileStore::LoadCoefficients() {
         CarCoefficients entry;
         entry.CarPath = NormalizeCarPath(ini.GetString(section, L"Car", L"", kCarBufferChars));
         if (entry.CarPath.empty()) continue;
-        for (const CoefficientKey& key : kCoefficientKeys) {
-            entry.*key.field = static_cast<float>(ReadIniInt(ini, section, key.name, key.fallback)) / key.factor;
+        for (const CoefficientRow& row : kCoefficientRows) {
+            entry.*row.field = CoefficientFromFile(row, ReadIniInt(ini, section, row.key, IndependentFileValue(row)));
         }
         CoefficientOverrides.push_back(std::move(entry));
     }
@@ -61,8 +38,8 @@ void ProfileStore::WriteCoefficients(IniDocument& ini) const {
         const CarCoefficients& entry = CoefficientOverrides[i];
         const std::wstring section = L"Coefficient" + DecimalText(i);
         ini.SetString(section, L"Car", entry.CarPath);
-        for (const CoefficientKey& key : kCoefficientKeys) {
-            ini.SetString(section, key.name, DecimalText(StoredInteger(entry.*key.field, key.factor)));
+        for (const CoefficientRow& row : kCoefficientRows) {
+            ini.SetString(section, row.key, DecimalText(CoefficientFileValue(row, entry.*row.field)));
         }
     }
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 #include "profiles/ExecutablePath.h"
 #include "profiles/IniEncoding.h"
 #include "profiles/ProfileText.h"
@@ -162,16 +162,6 @@ bool ProfileStore::WriteDriverIdentity(int32_t userId, std::wstring_view name) {
     IniDocument writes;
     writes.SetString(L"DriverIdentity", DecimalText(userId), name);
     return Commit(writes);
-}
-
-std::wstring ProfileStore::DriverDisplayName(const EngineStatus& status) {
-    std::wstring stored = LookUpDriverIdentity(status.driverUserId);
-    if (!stored.empty()) return stored;
-    if (!status.driverName.empty() && !EqualsFoldingAscii(status.driverName, L"unknown") && status.driverNameKnown) {
-        return status.driverName;
-    }
-    if (status.driverUserId >= 1) return L"account #" + DecimalText(status.driverUserId);
-    return status.driverName;
 }
 
 bool ProfileStore::CarSettingsActive() const {

@@ -5,11 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "engine/EngineSettings.h"
-#include "engine/EngineStatus.h"
-#include "profiles/CarCoefficients.h"
 #include "profiles/IniDocument.h"
 #include "profiles/IniFile.h"
+#include "settings/CarCoefficients.h"
+#include "settings/EngineSettings.h"
 
 namespace veltor {
 
@@ -74,7 +73,6 @@ public:
     std::wstring LookUpDriverIdentity(int32_t userId);
     // Stores the name for the user id in the file at once. False when the file could not be replaced.
     bool WriteDriverIdentity(int32_t userId, std::wstring_view name);
-    std::wstring DriverDisplayName(const EngineStatus& status);
 
     // Does the live record belong to a car entry?
     bool CarSettingsActive() const;

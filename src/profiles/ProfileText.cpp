@@ -1,6 +1,6 @@
 #include "profiles/ProfileText.h"
 
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 
 namespace veltor {
 namespace {

@@ -1,10 +1,8 @@
 #include "profiles/SettingsSection.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
-#include "engine/SettingsKeys.h"
 #include "profiles/ProfileText.h"
 
 namespace veltor {
@@ -12,24 +10,11 @@ namespace {
 
 // The platform reads an integer key into 64 characters.
 constexpr size_t kIntegerBufferChars = 64;
-constexpr int32_t kOversteerCorrectionMax = 150;
 
 // Our saves never list more sections than the file holds, so a Count past the last numbered section is damage:
 // up to this many listed sections may be missing (each becomes a default entry), which keeps a huge Count's
 // work to what the file holds.
 constexpr int32_t kMaxAbsentListedSections = 100;
-
-// The keys' names as the document takes them, made once (the names are ASCII).
-const std::array<std::wstring, kSettingsFieldCount>& WideKeyNames() {
-    static const std::array<std::wstring, kSettingsFieldCount> names = [] {
-        std::array<std::wstring, kSettingsFieldCount> wide;
-        for (size_t i = 0; i < kSettingsFieldCount; ++i) {
-            wide[i].assign(kSettingsKeys[i].name.begin(), kSettingsKeys[i].name.end());
-        }
-        return wide;
-    }();
-    return names;
-}
 
 bool IsSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 
@@ -59,33 +44,20 @@ int32_t ReadSectionCount(const IniDocument& ini, std::wstring_view section, std:
 
 EngineSettings ReadSettings(const IniDocument& ini, std::wstring_view section, const EngineSettings& base) {
     EngineSettings result = base;
-    for (size_t i = 0; i < kSettingsFieldCount; ++i) {
-        const SettingsKey& key = kSettingsKeys[i];
-        const std::wstring& name = WideKeyNames()[i];
-        if (key.flag != nullptr) {
-            int32_t fallback = base.*key.flag ? 1 : 0;
-            // An older file names the switch only by its former key; where both stand, the new one wins.
-            if (key.flag == &EngineSettings::SimucubeMode) {
-                fallback = ReadIniInt(ini, section, L"LegacyIracingFfbHandoff", fallback);
-            }
-            result.*key.flag = ReadIniInt(ini, section, name, fallback) != 0;
-            continue;
-        }
-        // Impacts follow the road texture in files from before they had a key of their own.
-        const int32_t fallback = key.number == &EngineSettings::BumpImpacts ? result.Bumps : base.*key.number;
-        int32_t value = ReadIniInt(ini, section, name, fallback);
-        if (key.number == &EngineSettings::OversteerCorrection) value = std::clamp(value, 0, kOversteerCorrectionMax);
-        result.*key.number = value;
+    for (const SettingRow& row : kSettingRows) {
+        // A field that follows another takes that one's value as just read; a former key stands in for the
+        // key where it is absent, and the key wins where both stand.
+        int32_t fallback = row.follows != nullptr ? result.*row.follows : SettingValue(row, base);
+        if (!row.legacyKey.empty()) fallback = ReadIniInt(ini, section, row.legacyKey, fallback);
+        int32_t value = ReadIniInt(ini, section, row.key, fallback);
+        if (row.clampedOnRead) value = std::clamp(value, row.minimum, row.maximum);
+        SetSettingValue(row, result, value);
     }
     return result;
 }
 
 void WriteSettings(IniDocument& ini, std::wstring_view section, const EngineSettings& settings) {
-    for (size_t i = 0; i < kSettingsFieldCount; ++i) {
-        const SettingsKey& key = kSettingsKeys[i];
-        const int32_t value = key.flag != nullptr ? (settings.*key.flag ? 1 : 0) : settings.*key.number;
-        ini.SetString(section, WideKeyNames()[i], DecimalText(value));
-    }
+    for (const SettingRow& row : kSettingRows) ini.SetString(section, row.key, DecimalText(SettingValue(row, settings)));
 }
 
 }  // namespace veltor

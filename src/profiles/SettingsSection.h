@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "profiles/IniDocument.h"
 
 namespace veltor {

@@ -1,6 +1,6 @@
 #include "ReplayOptions.h"
 
-#include "engine/SettingsKeys.h"
+#include "settings/EngineSettings.h"
 
 #include <cstdint>
 #include <string_view>

@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/EngineSettings.h"
-#include "profiles/CarCoefficients.h"
+#include "settings/EngineSettings.h"
+#include "settings/CarCoefficients.h"
 
 namespace veltor::replay {
 

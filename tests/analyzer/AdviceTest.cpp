@@ -122,14 +122,17 @@ TEST(WriteAdviceFile, TheProgramsReaderTakesBackWhatWasAdvisedOrNoFileIsWritten)
     EXPECT_EQ(read.Profile, L"J\u00F6rg");
     EXPECT_EQ(read.Car, L"bmwm4gt3");
     EXPECT_TRUE(read.HasProfileSettings && read.HasCoefficientAdvice);
-    EXPECT_EQ(read.ForceStrength, 62);
-    EXPECT_EQ(read.YawRateMultiplier, 33.0f);
-    EXPECT_EQ(read.LateralAccelDivisor, 70.0f);
-    const bool applied[] = {read.ApplyForceStrength, read.ApplyCarForceBalance, read.ApplySuspensionTexture,
-                            read.ApplySuspensionImpactTexture, read.ApplySuspensionDetailPriority,
-                            read.ApplyAbsVibration, read.ApplyYawRateMultiplier, read.ApplyYawSteerGain,
-                            read.ApplyLateralAccelDivisor, read.ApplyResistanceGain, read.ApplySteerMarginBias};
-    EXPECT_THAT(applied, testing::ElementsAre(true, false, false, false, false, false, false, false, true, false, false));
+    EXPECT_EQ(read.Settings.ForceStrength, 62);
+    EXPECT_EQ(read.Coefficients.YawRateMultiplier, 33.0f);
+    EXPECT_EQ(read.Coefficients.LateralAccelDivisor, 70.0f);
+    std::vector<std::wstring_view> applied;
+    for (size_t i = 0; i < kSettingCount; ++i) {
+        if (read.ApplySetting[i]) applied.push_back(kSettingRows[i].key);
+    }
+    for (size_t i = 0; i < kCoefficientCount; ++i) {
+        if (read.ApplyCoefficient[i]) applied.push_back(kCoefficientRows[i].key);
+    }
+    EXPECT_THAT(applied, testing::ElementsAre(L"ForceStrength", L"LateralAccelDivisor"));
 
     Advice profileOnly = TwoGroupAdvice("Driver 1");
     profileOnly.rows.resize(2);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "../profiles/ProfileStoreFolder.h"
+#include "ProfileStoreFolder.h"
 #include "engine/RecordingHook.h"
 #include "recording/RecordingHeader.h"
 #include "recording/RecordingSample.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/SliderValueText.h"
+#include "settings/ValueText.h"
 
 // The value texts at their defaults are in the window's layout test; these are the units and signs beyond.
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "ProfileStoreFolder.h"
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 #include "profiles/ProfileStore.h"
 
 namespace veltor {

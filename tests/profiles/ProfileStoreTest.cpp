@@ -296,27 +296,5 @@ TEST(ProfileStore, CoefficientsRankOverrideThenCatalogueThenTheUnmatchedSet) {
     EXPECT_EQ(store.CoefficientOverrides.size(), 3u);
 }
 
-TEST(ProfileStore, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheAccount) {
-    ProfileStoreFolder folder;
-    folder.Write("[DriverIdentity]\n321=  Stored Name \n");
-    ProfileStore store(folder.IniPath());
-    struct Case {
-        const wchar_t* name;
-        int32_t id;
-        bool known;
-        const wchar_t* shown;
-    };
-    const Case cases[] = {{L"Live", 321, true, L"Stored Name"}, {L"Live", 5, true, L"Live"},
-                          {L"UNKNOWN", 5, true, L"account #5"}, {L"Live", 5, false, L"account #5"},
-                          {L"", 0, true, L""},                  {L"unknown", -2, true, L"unknown"}};
-    for (const Case& c : cases) {
-        EngineStatus status;
-        status.driverName = c.name;
-        status.driverUserId = c.id;
-        status.driverNameKnown = c.known;
-        EXPECT_EQ(store.DriverDisplayName(status), c.shown) << c.name << c.id;
-    }
-}
-
 }  // namespace
 }  // namespace veltor

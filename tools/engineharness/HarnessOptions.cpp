@@ -1,6 +1,6 @@
 #include "HarnessOptions.h"
 
-#include "engine/SettingsKeys.h"
+#include "settings/EngineSettings.h"
 
 #include <cstdint>
 #include <cstdlib>

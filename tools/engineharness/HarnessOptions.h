@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "engine/EngineSettings.h"
+#include "settings/EngineSettings.h"
 #include "wheel/DeviceGuid.h"
 
 namespace veltor::harness {

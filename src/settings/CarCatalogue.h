@@ -2,7 +2,7 @@
 #include <span>
 #include <string_view>
 
-#include "profiles/CarCoefficients.h"
+#include "settings/CarCoefficients.h"
 
 namespace veltor {
 

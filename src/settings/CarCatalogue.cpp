@@ -1,4 +1,4 @@
-#include "profiles/CarCatalogue.h"
+#include "settings/CarCatalogue.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "profiles/TorqueField.h"
+#include "app/TorqueField.h"
 
 #include <algorithm>
 #include <cmath>

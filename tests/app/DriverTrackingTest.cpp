@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ProfileStoreFolder.h"
-#include "profiles/DriverTracking.h"
+#include "app/DriverTracking.h"
 #include "profiles/IniEncoding.h"
 
 namespace veltor {
@@ -19,7 +19,7 @@ using test::ProfileStoreFolder;
 // A view for DriverTracking that keeps what reached the controls, the session log and the engine.
 struct TrackingView {
     void ShowSettings(const EngineSettings& settings) { shown = settings; }
-    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCarSliderCount>& values) {
+    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& values) {
         carLabel = label;
         carSliders = values;
     }
@@ -46,7 +46,7 @@ struct TrackingView {
 
     EngineSettings shown;
     std::wstring carLabel;
-    std::array<int32_t, kCarSliderCount> carSliders{};
+    std::array<int32_t, kCoefficientCount> carSliders{};
     std::vector<std::wstring> profileItems;
     int32_t selectedItem = -1;
     bool carCheck = false;
@@ -164,12 +164,12 @@ TEST(DriverTracking, TorqueBoxGoesToTheDriverProfileWhateverOwnsTheLiveRecord) {
 
 TEST(DriverTracking, CoefficientSlidersStoreAnOverrideOnlyForARealCar) {
     TrackedStore t;
-    t.tracking.OnCoefficientSlider(1120, 90);
-    EXPECT_EQ(t.store.ActiveCoefficients.SteerMarginBias, -10.0f / 572.9578f);
+    t.tracking.OnCoefficientSlider(*FindCoefficientRow(1120), 90);
+    EXPECT_EQ(t.store.ActiveCoefficients.SteerMarginBias, -10.0f / kCoefficientTenthDegreesPerRadian);
     EXPECT_EQ(t.view.overridePublications, 1);
     EXPECT_TRUE(t.view.publishedOverrides.empty());
     t.SeeCar(L"rt2000");
-    t.tracking.OnCoefficientSlider(1117, 5);
+    t.tracking.OnCoefficientSlider(*FindCoefficientRow(1117), 5);
     ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
     EXPECT_EQ(t.view.publishedOverrides[0].CarPath, L"rt2000");
     EXPECT_EQ(t.view.publishedOverrides[0].YawSteerGain, 0.005f);
@@ -198,7 +198,7 @@ TEST(DriverTracking, DriverIdentityIsWrittenWhenTheNameChangesBeyondCaseAndAFail
     status.driverName = L"C Driver";
     for (int i = 0; i < 3; ++i) t.tracking.PollStatus(status);
     EXPECT_EQ(t.view.log, std::vector<std::wstring>{L"Could not save profiles to " + t.folder.IniPath() + L"."});
-    EXPECT_EQ(t.store.DriverDisplayName(status), L"C Driver");
+    EXPECT_EQ(t.tracking.DriverDisplayName(status), L"C Driver");
 }
 
 TEST(DriverTracking, EachEventPublishesWhatTheEngineNeeds) {
@@ -212,7 +212,7 @@ TEST(DriverTracking, EachEventPublishesWhatTheEngineNeeds) {
         int overrides;
     } rows[] = {
         {"settings slider", [](TrackedStore& s) { s.tracking.ChangeSetting(&EngineSettings::Damping, 5); }, 1, 0},
-        {"car slider", [](TrackedStore& s) { s.tracking.OnCoefficientSlider(1116, 300); }, 0, 1},
+        {"car slider", [](TrackedStore& s) { s.tracking.OnCoefficientSlider(*FindCoefficientRow(1116), 300); }, 0, 1},
         {"torque box", [](TrackedStore& s) { s.tracking.ApplyTorqueField(); }, 1, 0},
         {"profile list", [](TrackedStore& s) { s.tracking.SelectProfile(1); }, 1, 0},
         {"profile list, no item", [](TrackedStore& s) { s.tracking.SelectProfile(-1); }, 0, 0},
@@ -228,6 +228,26 @@ TEST(DriverTracking, EachEventPublishesWhatTheEngineNeeds) {
         row.step(t);
         EXPECT_EQ(t.view.settingsPublications - settings, row.settings) << row.event;
         EXPECT_EQ(t.view.overridePublications - overrides, row.overrides) << row.event;
+    }
+}
+
+TEST(DriverTracking, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheAccount) {
+    TrackedStore t("[DriverIdentity]\n321=  Stored Name \n");
+    struct Case {
+        const wchar_t* name;
+        int32_t id;
+        bool known;
+        const wchar_t* shown;
+    };
+    const Case cases[] = {{L"Live", 321, true, L"Stored Name"}, {L"Live", 5, true, L"Live"},
+                          {L"UNKNOWN", 5, true, L"account #5"}, {L"Live", 5, false, L"account #5"},
+                          {L"", 0, true, L""},                  {L"unknown", -2, true, L"unknown"}};
+    for (const Case& c : cases) {
+        EngineStatus status;
+        status.driverName = c.name;
+        status.driverUserId = c.id;
+        status.driverNameKnown = c.known;
+        EXPECT_EQ(t.tracking.DriverDisplayName(status), c.shown) << c.name << c.id;
     }
 }
 
@@ -262,7 +282,7 @@ TEST_F(AdviceFile, ProfileAdviceForACarTurnsCarSettingsOnAndBecomesTheCarsEntry)
     ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
     EXPECT_EQ(t.view.publishedOverrides[0].YawSteerGain, 0.005f);
     EXPECT_EQ(t.view.publishedOverrides[0].ResistanceGain, 1.05f);
-    EXPECT_EQ(t.view.publishedOverrides[0].SteerMarginBias, -10.0f / 572.9578f);
+    EXPECT_EQ(t.view.publishedOverrides[0].SteerMarginBias, -10.0f / kCoefficientTenthDegreesPerRadian);
 
     // Back on the real car, the advised car's entry keeps the live record.
     t.tracking.ChangeSetting(&EngineSettings::Damping, 12);

@@ -6,26 +6,19 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/EngineSettings.h"
+#include "app/TorqueField.h"
 #include "engine/EngineStatus.h"
 #include "profiles/AnalyzerAdvice.h"
-#include "profiles/CarCatalogue.h"
 #include "profiles/IniFile.h"
 #include "profiles/ProfileStore.h"
 #include "profiles/ProfileText.h"
-#include "profiles/TorqueField.h"
+#include "settings/CarCatalogue.h"
+#include "settings/EngineSettings.h"
 
 namespace veltor {
 
-inline constexpr int32_t kFirstCarSliderId = 1116;
-inline constexpr size_t kCarSliderCount = 5;
-
-// The car sliders 1116 to 1120 for a set of coefficients: rounded half away from zero, clamped to each
-// slider's range. A value beyond the range stays in the set; only the slider shows it clamped.
-std::array<int32_t, kCarSliderCount> CarSliderValues(const CarCoefficients& coefficients);
-
-// One coefficient from its car slider's value, in single precision; false for an id that is no car slider.
-bool SetCoefficientFromSlider(CarCoefficients& coefficients, int32_t id, int32_t value);
+// The car sliders' values for a set of coefficients, in the order of their rows.
+std::array<int32_t, kCoefficientCount> CarSliderValues(const CarCoefficients& coefficients);
 
 // "Car: " and the car path, with " (unknown)" for a car that neither the catalogue nor an override knows.
 std::wstring CarLabelText(const ProfileStore& store, std::wstring_view normalizedCarPath);
@@ -33,7 +26,7 @@ std::wstring CarLabelText(const ProfileStore& store, std::wstring_view normalize
 // Keeps the driver profiles, the car entries, the live record, the controls and the engine's copies in step,
 // on the GUI thread. The store holds the state; `View` is what shows it and carries it on, with:
 //   ShowSettings(const EngineSettings&)     the live record on the controls, no notifications
-//   ShowCarPanel(std::wstring_view label, const std::array<int32_t, 5>& sliderValues)
+//   ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& sliderValues)
 //   ShowProfileList(const std::vector<DriverProfile>&, int32_t selected)  refill, select when not empty
 //   ShowCarSpecificCheck(bool)              checkbox 1004, no notification
 //   ShowTorqueField(int32_t tenths)
@@ -95,13 +88,25 @@ public:
     }
 
     // With no car seen the generic set moves on the sliders but is neither stored nor used by the engine.
-    void OnCoefficientSlider(int32_t id, int32_t value) {
+    void OnCoefficientSlider(const CoefficientRow& row, int32_t value) {
         std::wstring car = NormalizeCarPath(Store.CurrentCarPath);
         if (car.empty()) car = Store.ActiveCoefficients.CarPath.empty() ? L"generic" : Store.ActiveCoefficients.CarPath;
         Store.ActiveCoefficients.CarPath = car;
-        SetCoefficientFromSlider(Store.ActiveCoefficients, id, value);
+        Store.ActiveCoefficients.*row.field = CoefficientFromSlider(row, value);
         if (!EqualsFoldingAscii(car, L"generic")) Store.PutCoefficients(Store.ActiveCoefficients);
         PublishOverrides();
+    }
+
+    // The driver as the status strip names him: the name stored for his account, a name the simulator
+    // knows, or the account's number.
+    std::wstring DriverDisplayName(const EngineStatus& status) {
+        std::wstring stored = Store.LookUpDriverIdentity(status.driverUserId);
+        if (!stored.empty()) return stored;
+        if (!status.driverName.empty() && !EqualsFoldingAscii(status.driverName, L"unknown") && status.driverNameKnown) {
+            return status.driverName;
+        }
+        if (status.driverUserId >= 1) return L"account #" + DecimalText(status.driverUserId);
+        return status.driverName;
     }
 
     // The driver identity and the car of one status snapshot. No car (or the generic one) changes nothing,
@@ -138,8 +143,8 @@ public:
         PublishSettings();
     }
 
-    // Checkbox 1004: switching car settings on takes the car's entry; switching them off keeps the car's
-    // values in its entry and goes back to the profile's.
+    // The car-settings switch: on takes the car's entry; off keeps the car's values in its entry and goes
+    // back to the profile's.
     void ToggleCarSpecific(bool checked) {
         const bool carOwnedTheRecord = Store.CarSettingsActive();
         if (checked) {
@@ -160,8 +165,8 @@ public:
             }
         }
         PublishSettings();
-        Ui.AppendLog(Store.CurrentSettings.UseCarSpecificSettings ? L"Car specific settings enabled."
-                                                                   : L"Car specific settings disabled.");
+        constexpr const SettingRow& row = SettingRowOf(&EngineSettings::UseCarSpecificSettings);
+        Ui.AppendLog(std::wstring(Store.CurrentSettings.UseCarSpecificSettings ? row.onLog : row.offLog));
     }
 
     void NewProfile() {
@@ -284,12 +289,16 @@ private:
     }
 
     static bool AppliesAnySetting(const AnalyzerAdvice& a) {
-        return a.ApplyForceStrength || a.ApplyCarForceBalance || a.ApplySuspensionTexture ||
-               a.ApplySuspensionImpactTexture || a.ApplySuspensionDetailPriority || a.ApplyAbsVibration;
+        for (size_t i = 0; i < kSettingCount; ++i) {
+            if (a.ApplySetting[i] && !kSettingRows[i].adviceKey.empty()) return true;
+        }
+        return false;
     }
     static bool AppliesAnyCoefficient(const AnalyzerAdvice& a) {
-        return a.ApplyYawRateMultiplier || a.ApplyYawSteerGain || a.ApplyLateralAccelDivisor ||
-               a.ApplyResistanceGain || a.ApplySteerMarginBias;
+        for (bool apply : a.ApplyCoefficient) {
+            if (apply) return true;
+        }
+        return false;
     }
 
     void MergeSettingsAdvice(const AnalyzerAdvice& a, const std::wstring& car) {
@@ -299,12 +308,10 @@ private:
             merged.UseCarSpecificSettings = true;
             Selected().Settings.UseCarSpecificSettings = true;
         }
-        if (a.ApplyForceStrength) merged.ForceStrength = a.ForceStrength;
-        if (a.ApplyCarForceBalance) merged.CarForceBalance = a.CarForceBalance;
-        if (a.ApplySuspensionTexture) merged.Bumps = a.SuspensionTexture;
-        if (a.ApplySuspensionImpactTexture) merged.BumpImpacts = a.SuspensionImpactTexture;
-        if (a.ApplySuspensionDetailPriority) merged.SuspensionDetailPriority = a.SuspensionDetailPriority;
-        if (a.ApplyAbsVibration) merged.AbsVibration = a.AbsVibration;
+        for (size_t i = 0; i < kSettingCount; ++i) {
+            const SettingRow& row = kSettingRows[i];
+            if (a.ApplySetting[i] && !row.adviceKey.empty()) SetSettingValue(row, merged, SettingValue(row, a.Settings));
+        }
         if (car.empty()) {
             Selected().Settings = merged;
         } else {
@@ -316,11 +323,10 @@ private:
     void MergeCoefficientAdvice(const AnalyzerAdvice& a, const std::wstring& car) {
         CarCoefficients merged = Store.GetCoefficients(car);
         merged.CarPath = car;
-        if (a.ApplyYawRateMultiplier) merged.YawRateMultiplier = a.YawRateMultiplier;
-        if (a.ApplyYawSteerGain) merged.YawSteerGain = a.YawSteerGain;
-        if (a.ApplyLateralAccelDivisor) merged.LateralAccelDivisor = a.LateralAccelDivisor;
-        if (a.ApplyResistanceGain) merged.ResistanceGain = a.ResistanceGain;
-        if (a.ApplySteerMarginBias) merged.SteerMarginBias = a.SteerMarginBias;
+        for (size_t i = 0; i < kCoefficientCount; ++i) {
+            const CoefficientRow& row = kCoefficientRows[i];
+            if (a.ApplyCoefficient[i]) merged.*row.field = a.Coefficients.*row.field;
+        }
         Store.ActiveCoefficients = merged;
         Store.PutCoefficients(merged);
     }
