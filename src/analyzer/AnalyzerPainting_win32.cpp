@@ -7,8 +7,8 @@
 #include "analyzer/AnalyzerLayout.h"
 #include "analyzer/AnalyzerWindow.h"
 #include "analyzer/RecordingAnalysis.h"
-#include "app/Theme.h"
 #include "profiles/IniEncoding.h"
+#include "ui/Theme.h"
 
 namespace veltor::analyzer {
 namespace {
@@ -51,13 +51,12 @@ int32_t Text(HDC dc, const std::wstring& text, RECT box, HFONT font, COLORREF co
 }
 
 void Panel(HDC dc, const LayoutRect& r, HBRUSH fill) {
-    HPEN border = CreatePen(PS_SOLID, 1, kPanelBorderColour);
+    const GdiObject<HPEN> border(CreatePen(PS_SOLID, 1, kPanelBorderColour));
     HGDIOBJ oldPen = SelectObject(dc, border);
     HGDIOBJ oldBrush = SelectObject(dc, fill);
     RoundRect(dc, r.left, r.top, r.right, r.bottom, 10, 10);
     SelectObject(dc, oldBrush);
     SelectObject(dc, oldPen);
-    DeleteObject(border);
 }
 
 // A panel's heading in the accent colour with its rule beneath, as the main window has them.
@@ -76,10 +75,8 @@ int32_t Legend(HDC dc, int32_t right, int32_t top, const std::wstring& label, ui
     SelectObject(dc, old);
     const int32_t textLeft = right - size.cx;
     Text(dc, label, {textLeft - 8, top, right, top + 18}, font, kTaglineTextColour, DT_SINGLELINE | DT_RIGHT | DT_NOCLIP);
-    HBRUSH swatch = CreateSolidBrush(colour);
     const RECT box{textLeft - 18, top + 4, textLeft - 8, top + 14};
-    FillRect(dc, &box, swatch);
-    DeleteObject(swatch);
+    FillRect(dc, &box, GdiObject<HBRUSH>(CreateSolidBrush(colour)));
     return textLeft - 32;
 }
 
@@ -101,10 +98,8 @@ struct PlotMap {
 };
 
 void FillArea(HDC dc, const LayoutRect& area) {
-    HBRUSH field = CreateSolidBrush(kFieldColour);
     const RECT r = Rect(area);
-    FillRect(dc, &r, field);
-    DeleteObject(field);
+    FillRect(dc, &r, GdiObject<HBRUSH>(CreateSolidBrush(kFieldColour)));
 }
 
 void HorizontalLine(Gdiplus::GpGraphics* g, const PlotMap& map, float value, uint32_t colour, bool dashed) {
@@ -175,8 +170,8 @@ float LargestMagnitude(const std::vector<PlotBucket>& buckets) {
 
 void AnalyzerWindow::Paint(HDC target) {
     // Drawn off screen and copied in one go, so the plots never flicker while a slider moves.
-    HDC dc = CreateCompatibleDC(target);
-    HBITMAP bitmap = CreateCompatibleBitmap(target, kAnalyzerClientWidth, kAnalyzerClientHeight);
+    const MemoryDc dc(target);
+    const GdiObject<HBITMAP> bitmap(CreateCompatibleBitmap(target, kAnalyzerClientWidth, kAnalyzerClientHeight));
     HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
     const RECT client{0, 0, kAnalyzerClientWidth, kAnalyzerClientHeight};
     FillRect(dc, &client, WindowBrush);
@@ -209,8 +204,6 @@ void AnalyzerWindow::Paint(HDC target) {
          StatusIsFailure ? kFailureTextColour : kPrimaryTextColour, DT_SINGLELINE | DT_END_ELLIPSIS);
     BitBlt(target, 0, 0, kAnalyzerClientWidth, kAnalyzerClientHeight, dc, 0, 0, SRCCOPY);
     SelectObject(dc, oldBitmap);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
 }
 
 void AnalyzerWindow::PaintHeader(HDC dc) {

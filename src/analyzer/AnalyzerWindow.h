@@ -6,12 +6,13 @@
 
 #include "analyzer/Advice.h"
 #include "analyzer/AnalysisReport.h"
-#include "analyzer/AnalyzerLayout.h"
 #include "analyzer/AnalyzerInput.h"
+#include "analyzer/AnalyzerLayout.h"
 #include "analyzer/PlotData.h"
-#include "app/CheckboxControl.h"
-#include "app/GdiplusFlat.h"
-#include "app/SliderControl.h"
+#include "ui/CheckboxControl.h"
+#include "ui/GdiObject.h"
+#include "ui/GdiplusFlat.h"
+#include "ui/SliderControl.h"
 
 namespace veltor::analyzer {
 
@@ -92,15 +93,15 @@ private:
     std::vector<CheckboxRow> ApplyChecks;  // reserved once: the controls point into it
     std::vector<size_t> ApplyCheckRows;    // the advice row behind each check
 
-    HFONT BodyFont = nullptr;
-    HFONT TitleFont = nullptr;
-    HFONT SectionFont = nullptr;
-    HFONT SmallFont = nullptr;
-    HFONT MonoFont = nullptr;
-    HBRUSH WindowBrush = nullptr;
-    HBRUSH PanelBrush = nullptr;
-    HBRUSH HeaderBrush = nullptr;
-    HBRUSH AccentBrush = nullptr;
+    GdiObject<HFONT> BodyFont;
+    GdiObject<HFONT> TitleFont;
+    GdiObject<HFONT> SectionFont;
+    GdiObject<HFONT> SmallFont;
+    GdiObject<HFONT> MonoFont;
+    GdiObject<HBRUSH> WindowBrush;
+    GdiObject<HBRUSH> PanelBrush;
+    GdiObject<HBRUSH> HeaderBrush;
+    GdiObject<HBRUSH> AccentBrush;
     ULONG_PTR GdiplusToken = 0;
 };
 

@@ -10,12 +10,13 @@
 #include "analyzer/AdviceFile.h"
 #include "analyzer/AnalyzerLayout.h"
 #include "analyzer/RecordingAnalysis.h"
-#include "app/ControlCatalogue.h"
-#include "app/WindowTheme.h"
-#include "app/Theme.h"
-#include "profiles/IniEncoding.h"
 #include "profiles/ExecutablePath.h"
+#include "profiles/IniEncoding.h"
 #include "resources/ResourceIds.h"
+#include "ui/ControlClassNames.h"
+#include "ui/Theme.h"
+#include "ui/WindowTheme.h"
+#include "ui/WindowTrampoline.h"
 
 namespace veltor::analyzer {
 namespace {
@@ -30,16 +31,6 @@ std::wstring FileName(const std::wstring& path) { return std::filesystem::path(p
 
 std::wstring Folder(const std::wstring& path) { return std::filesystem::path(path).parent_path().wstring(); }
 
-
-LRESULT CALLBACK Trampoline(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-    }
-    auto* self = reinterpret_cast<AnalyzerWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return self != nullptr ? self->Procedure(window, message, wParam, lParam)
-                           : DefWindowProcW(window, message, wParam, lParam);
-}
 
 HWND CreateButton(HWND parent, HINSTANCE instance, int32_t id, const wchar_t* text, const LayoutRect& rect,
                   HFONT font) {
@@ -70,13 +61,6 @@ std::wstring TemporaryAdvicePath() {
 }  // namespace
 
 AnalyzerWindow::~AnalyzerWindow() {
-    for (HGDIOBJ object : {static_cast<HGDIOBJ>(BodyFont), static_cast<HGDIOBJ>(TitleFont),
-                           static_cast<HGDIOBJ>(SectionFont), static_cast<HGDIOBJ>(SmallFont),
-                           static_cast<HGDIOBJ>(MonoFont), static_cast<HGDIOBJ>(WindowBrush),
-                           static_cast<HGDIOBJ>(PanelBrush), static_cast<HGDIOBJ>(HeaderBrush),
-                           static_cast<HGDIOBJ>(AccentBrush)}) {
-        if (object != nullptr) DeleteObject(object);
-    }
     if (GdiplusToken != 0) Gdiplus::GdiplusShutdown(GdiplusToken);
 }
 
@@ -107,7 +91,7 @@ bool AnalyzerWindow::Create(HINSTANCE instance, int showCommand, const SettingsF
                                                LR_DEFAULTSIZE | LR_SHARED));
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = Trampoline;
+    windowClass.lpfnWndProc = WindowTrampoline<AnalyzerWindow>;
     windowClass.hInstance = instance;
     windowClass.hIcon = windowClass.hIconSm = icon != nullptr ? icon : LoadIconW(nullptr, IDI_APPLICATION);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
@@ -129,15 +113,15 @@ bool AnalyzerWindow::Create(HINSTANCE instance, int showCommand, const SettingsF
 }
 
 void AnalyzerWindow::CreateBrushesAndFonts() {
-    WindowBrush = CreateSolidBrush(kWindowColour);
-    PanelBrush = CreateSolidBrush(kPanelColour);
-    HeaderBrush = CreateSolidBrush(kHeaderColour);
-    AccentBrush = CreateSolidBrush(kAccentColour);
-    BodyFont = MakeThemeFont(-15, 400);
-    TitleFont = MakeThemeFont(-28, 700);
-    SectionFont = MakeThemeFont(-13, 600);
-    SmallFont = MakeThemeFont(-12, 400);
-    MonoFont = MakeThemeFont(-12, 400, true);
+    WindowBrush.Reset(CreateSolidBrush(kWindowColour));
+    PanelBrush.Reset(CreateSolidBrush(kPanelColour));
+    HeaderBrush.Reset(CreateSolidBrush(kHeaderColour));
+    AccentBrush.Reset(CreateSolidBrush(kAccentColour));
+    BodyFont.Reset(MakeThemeFont(-15, 400));
+    TitleFont.Reset(MakeThemeFont(-28, 700));
+    SectionFont.Reset(MakeThemeFont(-13, 600));
+    SmallFont.Reset(MakeThemeFont(-12, 400));
+    MonoFont.Reset(MakeThemeFont(-12, 400, true));
 }
 
 void AnalyzerWindow::CreateControls() {
@@ -220,7 +204,7 @@ void AnalyzerWindow::RebuildApplyChecks() {
         row.Control = CreateWindowExW(0, kCheckboxClass, L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, rect.left, rect.top,
                                       rect.right - rect.left, rect.bottom - rect.top, Window,
                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.Id)), Instance, &row);
-        SendMessageW(row.Control, WM_SETFONT, reinterpret_cast<WPARAM>(BodyFont), FALSE);
+        SendMessageW(row.Control, WM_SETFONT, reinterpret_cast<WPARAM>(BodyFont.Get()), FALSE);
         ApplyCheckRows.push_back(i);
     }
 }
@@ -258,7 +242,7 @@ LRESULT AnalyzerWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPAR
         case SliderValueChanged: OnSlider(reinterpret_cast<HWND>(lParam)); return 0;
         case WM_CTLCOLORBTN:
             SetBkColor(reinterpret_cast<HDC>(wParam), kHeaderColour);
-            return reinterpret_cast<LRESULT>(HeaderBrush);
+            return reinterpret_cast<LRESULT>(HeaderBrush.Get());
         case WM_LBUTTONUP: {
             // A click on an advised value's name flips its check box, as a label beside a box does.
             const POINT at{static_cast<int16_t>(LOWORD(lParam)), static_cast<int16_t>(HIWORD(lParam))};

@@ -7,12 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "app/CheckboxControl.h"
 #include "app/DriverTracking.h"
-#include "app/GdiplusFlat.h"
-#include "app/SliderControl.h"
 #include "engine/FfbEngine.h"
 #include "profiles/ProfileStore.h"
+#include "ui/CheckboxControl.h"
+#include "ui/GdiObject.h"
+#include "ui/GdiplusFlat.h"
+#include "ui/SliderControl.h"
 #include "wheel/WheelDevice.h"
 
 namespace veltor {
@@ -52,8 +53,9 @@ public:
     void PaintForeground(HDC dc);
     void SetStatusTexts(const std::wstring& first, const std::wstring& second, const std::wstring& third);
 
-    // The main window's procedure and its teardown (WindowProcedure_win32.cpp).
-    LRESULT WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    // The main window's procedure, through the trampoline of its class, and its teardown
+    // (WindowProcedure_win32.cpp).
+    LRESULT Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void Teardown();
 
     // What the window does with commands, the timer, the custom controls and a hand-off
@@ -125,15 +127,15 @@ public:
     uint32_t LastTrackStamp = 0;
     uint32_t LastReportStamp = 0;
     uint32_t LastStallStamp = 0;  // telemetryStallCount; never cleared: each stall is told once
-    HFONT BodyFont = nullptr;
-    HFONT TitleFont = nullptr;
-    HFONT SectionFont = nullptr;
-    HFONT MonoFont = nullptr;
-    HBRUSH WindowBrush = nullptr;
-    HBRUSH PanelBrush = nullptr;
-    HBRUSH HeaderBrush = nullptr;
-    HBRUSH FieldBrush = nullptr;
-    HBRUSH AccentBrush = nullptr;
+    GdiObject<HFONT> BodyFont;
+    GdiObject<HFONT> TitleFont;
+    GdiObject<HFONT> SectionFont;
+    GdiObject<HFONT> MonoFont;
+    GdiObject<HBRUSH> WindowBrush;
+    GdiObject<HBRUSH> PanelBrush;
+    GdiObject<HBRUSH> HeaderBrush;
+    GdiObject<HBRUSH> FieldBrush;
+    GdiObject<HBRUSH> AccentBrush;
     HICON AppIcon = nullptr;
     ULONG_PTR GdiplusToken = 0;
     Gdiplus::GpBitmap* LogoBitmap = nullptr;  // reads from LogoStream for as long as it lives

@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "app/ControlCatalogue.h"
-#include "app/WindowTrampoline.h"
 #include "resources/ResourceIds.h"
+#include "ui/WindowTrampoline.h"
 
 namespace veltor {
 namespace {
@@ -47,7 +47,7 @@ bool RegisterMainWindowClass(const App& app) {
     HICON icon = app.AppIcon != nullptr ? app.AppIcon : LoadIconW(nullptr, IDI_APPLICATION);
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = MainWindowTrampoline;
+    windowClass.lpfnWndProc = WindowTrampoline<App>;
     windowClass.hInstance = app.Instance;
     windowClass.hIcon = icon;
     windowClass.hIconSm = icon;

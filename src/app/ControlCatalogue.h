@@ -7,13 +7,12 @@
 
 #include "settings/CarCoefficients.h"
 #include "settings/EngineSettings.h"
+#include "ui/ControlClassNames.h"
 
 namespace veltor {
 
 // The main window. Sizes are pixels; nothing is scaled for the display's DPI.
 inline constexpr wchar_t kMainWindowClass[] = L"VeltorCommercialWindow";
-inline constexpr wchar_t kSliderClass[] = L"VeltorSlider";
-inline constexpr wchar_t kCheckboxClass[] = L"VeltorCheckbox";
 inline constexpr uint32_t kMainWindowStyle = 0x02CA0000;  // clip children, caption, system menu, minimize box
 inline constexpr int32_t kMainWindowWidth = 1620;         // outer size
 inline constexpr int32_t kMainWindowHeight = 875;

@@ -144,7 +144,7 @@ void App::ShowLogWindow() {
     // An edit control keeps the name it was created with as its content; some systems leave the caption
     // empty then. The default procedure sets the caption alone.
     DefWindowProcW(LogWindow, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(kLogWindowTitle));
-    SendMessageW(LogWindow, WM_SETFONT, reinterpret_cast<WPARAM>(MonoFont), TRUE);
+    SendMessageW(LogWindow, WM_SETFONT, reinterpret_cast<WPARAM>(MonoFont.Get()), TRUE);
     SendMessageW(LogWindow, EM_SETLIMITTEXT, 0, 0);  // no cap of the control's own on a long session
     // Replacing the selection, unlike WM_SETTEXT, leaves the caption alone.
     const std::wstring text = WholeText(LogEdit);

@@ -3,10 +3,10 @@
 #include <string>
 
 #include "app/ControlCatalogue.h"
-#include "app/Theme.h"
 #include "app/TorqueField.h"
-#include "app/WindowTheme.h"
 #include "settings/ValueText.h"
+#include "ui/Theme.h"
+#include "ui/WindowTheme.h"
 
 namespace veltor {
 namespace {

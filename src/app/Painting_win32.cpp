@@ -2,8 +2,8 @@
 #include <string_view>
 
 #include "app/App.h"
-#include "app/Theme.h"
-#include "app/WindowTheme.h"
+#include "ui/Theme.h"
+#include "ui/WindowTheme.h"
 
 namespace veltor {
 namespace {
@@ -13,7 +13,7 @@ constexpr int32_t kStatusTextOffset = 22;  // the texts' line, up from the botto
 
 struct Panel {
     RECT Rect;
-    HBRUSH App::*Brush;
+    GdiObject<HBRUSH> App::*Brush;
 };
 
 constexpr std::array<Panel, 6> kPanels{{
@@ -38,7 +38,7 @@ struct PaintedText {
     std::wstring_view Text;
     int32_t X;
     int32_t Y;
-    HFONT App::*Font;
+    GdiObject<HFONT> App::*Font;
     COLORREF Colour;
 };
 
@@ -71,15 +71,15 @@ void PaintText(HDC dc, std::wstring_view text, int32_t x, int32_t y, HFONT font,
 }  // namespace
 
 void App::CreateBrushesAndFonts() {
-    WindowBrush = CreateSolidBrush(kWindowColour);
-    PanelBrush = CreateSolidBrush(kPanelColour);
-    HeaderBrush = CreateSolidBrush(kHeaderColour);
-    FieldBrush = CreateSolidBrush(kFieldColour);
-    AccentBrush = CreateSolidBrush(kAccentColour);
-    BodyFont = MakeThemeFont(-15, 400);
-    TitleFont = MakeThemeFont(-34, 700);
-    SectionFont = MakeThemeFont(-13, 600);
-    MonoFont = MakeThemeFont(-14, 400, true);
+    WindowBrush.Reset(CreateSolidBrush(kWindowColour));
+    PanelBrush.Reset(CreateSolidBrush(kPanelColour));
+    HeaderBrush.Reset(CreateSolidBrush(kHeaderColour));
+    FieldBrush.Reset(CreateSolidBrush(kFieldColour));
+    AccentBrush.Reset(CreateSolidBrush(kAccentColour));
+    BodyFont.Reset(MakeThemeFont(-15, 400));
+    TitleFont.Reset(MakeThemeFont(-34, 700));
+    SectionFont.Reset(MakeThemeFont(-13, 600));
+    MonoFont.Reset(MakeThemeFont(-14, 400, true));
 }
 
 void App::PaintBackground(HDC dc) {
@@ -88,13 +88,12 @@ void App::PaintBackground(HDC dc) {
     FillRect(dc, &client, WindowBrush);
     PaintStatusStrip(*this, dc, client);
     for (const Panel& panel : kPanels) {
-        HPEN border = CreatePen(PS_SOLID, 1, kPanelBorderColour);
+        const GdiObject<HPEN> border(CreatePen(PS_SOLID, 1, kPanelBorderColour));
         HGDIOBJ oldPen = SelectObject(dc, border);
         HGDIOBJ oldBrush = SelectObject(dc, this->*panel.Brush);
         RoundRect(dc, panel.Rect.left, panel.Rect.top, panel.Rect.right, panel.Rect.bottom, 10, 10);
         SelectObject(dc, oldBrush);
         SelectObject(dc, oldPen);
-        DeleteObject(border);
     }
     for (const RECT& bar : kAccentBars) FillRect(dc, &bar, AccentBrush);
 }

@@ -1,8 +1,8 @@
 // What the profile store's state looks like on the controls: the view that DriverTracking drives.
 #include "app/App.h"
 #include "app/ControlCatalogue.h"
-#include "app/SliderGeometry.h"
 #include "app/TorqueField.h"
+#include "ui/SliderGeometry.h"
 
 #include <algorithm>
 

@@ -1,17 +1,10 @@
 #include <string>
 
 #include "app/App.h"
-#include "app/Theme.h"
-#include "app/WindowTrampoline.h"
+#include "ui/Theme.h"
 
 namespace veltor {
 namespace {
-
-template <class Handle>
-void DeleteGdiObject(Handle& handle) {
-    if (handle != nullptr) DeleteObject(handle);
-    handle = nullptr;
-}
 
 // The hand-off of a second instance: 1 when it was taken, 0 when it was ignored.
 LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
@@ -27,28 +20,18 @@ LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
 LRESULT ColourField(const App& app, HDC dc) {
     SetTextColor(dc, kPrimaryTextColour);
     SetBkColor(dc, kFieldColour);
-    return reinterpret_cast<LRESULT>(app.FieldBrush);
+    return reinterpret_cast<LRESULT>(app.FieldBrush.Get());
 }
 
 LRESULT ColourLabel(const App& app, HDC dc) {
     SetTextColor(dc, kPrimaryTextColour);
     SetBkMode(dc, TRANSPARENT);
-    return reinterpret_cast<LRESULT>(app.PanelBrush);
+    return reinterpret_cast<LRESULT>(app.PanelBrush.Get());
 }
 
 }  // namespace
 
-LRESULT CALLBACK MainWindowTrampoline(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-    }
-    auto* app = reinterpret_cast<App*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (app == nullptr) return DefWindowProcW(window, message, wParam, lParam);
-    return app->WindowProcedure(window, message, wParam, lParam);
-}
-
-LRESULT App::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT App::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_DESTROY: Teardown(); return 0;
         case WM_PAINT: {
@@ -89,15 +72,8 @@ void App::Teardown() {
     GdiplusToken = 0;
     if (AppIcon != nullptr) DestroyIcon(AppIcon);
     AppIcon = nullptr;
-    DeleteGdiObject(MonoFont);
-    DeleteGdiObject(SectionFont);
-    DeleteGdiObject(TitleFont);
-    DeleteGdiObject(BodyFont);
-    DeleteGdiObject(AccentBrush);
-    DeleteGdiObject(FieldBrush);
-    DeleteGdiObject(HeaderBrush);
-    DeleteGdiObject(PanelBrush);
-    DeleteGdiObject(WindowBrush);
+    for (GdiObject<HFONT>* font : {&MonoFont, &SectionFont, &TitleFont, &BodyFont}) font->Reset();
+    for (GdiObject<HBRUSH>* brush : {&AccentBrush, &FieldBrush, &HeaderBrush, &PanelBrush, &WindowBrush}) brush->Reset();
     PostQuitMessage(0);
 }
 

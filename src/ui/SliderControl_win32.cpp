@@ -1,13 +1,13 @@
-#include "app/SliderControl.h"
+#include "ui/SliderControl.h"
 
-#include "app/ControlCatalogue.h"
-#include "app/SliderGeometry.h"
-#include "app/Theme.h"
+#include "ui/ControlClassNames.h"
+#include "ui/GdiObject.h"
+#include "ui/SliderGeometry.h"
+#include "ui/Theme.h"
+#include "ui/WindowTrampoline.h"
 
 namespace veltor {
 namespace {
-
-SliderRow* RowOf(HWND control) { return reinterpret_cast<SliderRow*>(GetWindowLongPtrW(control, GWLP_USERDATA)); }
 
 // No erase: the paint covers every pixel, which keeps a dragged knob from flickering.
 void Invalidate(const SliderRow& row) { InvalidateRect(row.Control, nullptr, FALSE); }
@@ -22,12 +22,11 @@ void StoreAndNotify(SliderRow& row, int32_t value) {
 }
 
 void DrawLine(HDC dc, COLORREF colour, int32_t fromX, int32_t toX, int32_t y) {
-    HPEN pen = CreatePen(PS_SOLID, 3, colour);
+    const GdiObject<HPEN> pen(CreatePen(PS_SOLID, 3, colour));
     HGDIOBJ old = SelectObject(dc, pen);
     MoveToEx(dc, fromX, y, nullptr);
     LineTo(dc, toX, y);
     SelectObject(dc, old);
-    DeleteObject(pen);
 }
 
 void Paint(const SliderRow& row) {
@@ -35,9 +34,7 @@ void Paint(const SliderRow& row) {
     HDC dc = BeginPaint(row.Control, &paint);
     RECT client;
     GetClientRect(row.Control, &client);
-    HBRUSH panel = CreateSolidBrush(kPanelColour);
-    FillRect(dc, &client, panel);
-    DeleteObject(panel);
+    FillRect(dc, &client, GdiObject<HBRUSH>(CreateSolidBrush(kPanelColour)));
 
     const int32_t width = client.right;
     const int32_t mid = client.bottom / 2;
@@ -46,15 +43,13 @@ void Paint(const SliderRow& row) {
     DrawLine(dc, kSliderTrackColour, kSliderTrackInset, width - kSliderTrackInset, mid);
     DrawLine(dc, active, kSliderTrackInset, knob, mid);
 
-    HBRUSH knobBrush = CreateSolidBrush(active);
-    HPEN knobPen = CreatePen(PS_SOLID, 1, active);
+    const GdiObject<HBRUSH> knobBrush(CreateSolidBrush(active));
+    const GdiObject<HPEN> knobPen(CreatePen(PS_SOLID, 1, active));
     HGDIOBJ oldBrush = SelectObject(dc, knobBrush);
     HGDIOBJ oldPen = SelectObject(dc, knobPen);
     RoundRect(dc, knob - 5, mid - 10, knob + 5, mid + 10, 5, 5);
     SelectObject(dc, oldPen);
     SelectObject(dc, oldBrush);
-    DeleteObject(knobPen);
-    DeleteObject(knobBrush);
     EndPaint(row.Control, &paint);
 }
 
@@ -68,57 +63,50 @@ LRESULT OnKeyDown(SliderRow& row, HWND control, WPARAM key, LPARAM flags) {
     }
 }
 
-LRESULT CALLBACK SliderProcedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-        return 1;
-    }
-    SliderRow* row = RowOf(control);
-    if (row == nullptr) return DefWindowProcW(control, message, wParam, lParam);
+}  // namespace
+
+LRESULT SliderRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_PAINT: Paint(*row); return 0;
+        case WM_PAINT: Paint(*this); return 0;
         case WM_ERASEBKGND: return 1;
-        case WM_KEYDOWN: return OnKeyDown(*row, control, wParam, lParam);
+        case WM_KEYDOWN: return OnKeyDown(*this, control, wParam, lParam);
         case WM_MOUSEMOVE:
-            if (!row->Hover) {
-                row->Hover = true;
+            if (!Hover) {
+                Hover = true;
                 TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, control, 0};
                 TrackMouseEvent(&track);
-                Invalidate(*row);
+                Invalidate(*this);
             }
-            if (row->Dragging) SetSliderFromPoint(*row, lParam);
+            if (Dragging) SetSliderFromPoint(*this, lParam);
             return 0;
         case WM_LBUTTONDOWN:
             SetFocus(control);
             SetCapture(control);
-            row->Hover = true;
-            row->Dragging = true;
-            SetSliderFromPoint(*row, lParam);
-            Invalidate(*row);
+            Hover = true;
+            Dragging = true;
+            SetSliderFromPoint(*this, lParam);
+            Invalidate(*this);
             return 0;
         case WM_LBUTTONUP:
-            if (row->Dragging) {
-                row->Dragging = false;
+            if (Dragging) {
+                Dragging = false;
                 ReleaseCapture();
-                SetSliderFromPoint(*row, lParam);
-                Invalidate(*row);
+                SetSliderFromPoint(*this, lParam);
+                Invalidate(*this);
             }
             return 0;
         case WM_MOUSELEAVE:
-            row->Hover = false;
-            Invalidate(*row);
+            Hover = false;
+            Invalidate(*this);
             return 0;
         default: return DefWindowProcW(control, message, wParam, lParam);
     }
 }
 
-}  // namespace
-
 bool RegisterSliderClass(HINSTANCE instance, HBRUSH background) {
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = SliderProcedure;
+    windowClass.lpfnWndProc = WindowTrampoline<SliderRow>;
     windowClass.hInstance = instance;
     windowClass.hCursor = LoadCursorW(nullptr, IDC_HAND);
     windowClass.hbrBackground = background;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/SliderGeometry.h"
+#include "ui/SliderGeometry.h"
 
 namespace {
 

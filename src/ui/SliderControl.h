@@ -17,6 +17,9 @@ struct SliderRow {
     int32_t Value = 0;
     bool Hover = false;
     bool Dragging = false;
+
+    // The control's messages, through the trampoline of its class.
+    LRESULT Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 };
 
 bool RegisterSliderClass(HINSTANCE instance, HBRUSH background);

@@ -1,8 +1,8 @@
-#include "app/WindowTheme.h"
+#include "ui/WindowTheme.h"
 
 #include <dwmapi.h>
 
-#include "app/Theme.h"
+#include "ui/Theme.h"
 
 namespace veltor {
 namespace {

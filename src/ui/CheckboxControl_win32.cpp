@@ -1,14 +1,12 @@
-#include "app/CheckboxControl.h"
+#include "ui/CheckboxControl.h"
 
-#include "app/ControlCatalogue.h"
-#include "app/Theme.h"
+#include "ui/ControlClassNames.h"
+#include "ui/GdiObject.h"
+#include "ui/Theme.h"
+#include "ui/WindowTrampoline.h"
 
 namespace veltor {
 namespace {
-
-CheckboxRow* RowOf(HWND control) {
-    return reinterpret_cast<CheckboxRow*>(GetWindowLongPtrW(control, GWLP_USERDATA));
-}
 
 void Invalidate(const CheckboxRow& row) { InvalidateRect(row.Control, nullptr, FALSE); }
 
@@ -17,29 +15,24 @@ void Paint(const CheckboxRow& row) {
     HDC dc = BeginPaint(row.Control, &paint);
     RECT client;
     GetClientRect(row.Control, &client);
-    HBRUSH panel = CreateSolidBrush(kPanelColour);
-    FillRect(dc, &client, panel);
-    DeleteObject(panel);
+    FillRect(dc, &client, GdiObject<HBRUSH>(CreateSolidBrush(kPanelColour)));
 
     const bool highlighted = row.Hover || GetFocus() == row.Control;
-    HPEN border = CreatePen(PS_SOLID, 1, highlighted ? kAccentColour : kBoxBorderColour);
-    HBRUSH fill = CreateSolidBrush(row.Checked ? kAccentColour : kFieldColour);
+    const GdiObject<HPEN> border(CreatePen(PS_SOLID, 1, highlighted ? kAccentColour : kBoxBorderColour));
+    const GdiObject<HBRUSH> fill(CreateSolidBrush(row.Checked ? kAccentColour : kFieldColour));
     HGDIOBJ oldPen = SelectObject(dc, border);
     HGDIOBJ oldBrush = SelectObject(dc, fill);
     RoundRect(dc, 0, 4, 14, 18, 3, 3);
     SelectObject(dc, oldBrush);
     SelectObject(dc, oldPen);
-    DeleteObject(fill);
-    DeleteObject(border);
 
     if (row.Checked) {
-        HPEN tick = CreatePen(PS_SOLID, 2, kCheckMarkColour);
+        const GdiObject<HPEN> tick(CreatePen(PS_SOLID, 2, kCheckMarkColour));
         HGDIOBJ old = SelectObject(dc, tick);
         MoveToEx(dc, 4, 11, nullptr);
         LineTo(dc, 7, 14);
         LineTo(dc, 11, 8);
         SelectObject(dc, old);
-        DeleteObject(tick);
     }
 
     auto font = reinterpret_cast<HFONT>(SendMessageW(row.Control, WM_GETFONT, 0, 0));
@@ -53,51 +46,44 @@ void Paint(const CheckboxRow& row) {
     EndPaint(row.Control, &paint);
 }
 
-LRESULT CALLBACK CheckboxProcedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
-        return 1;
-    }
-    CheckboxRow* row = RowOf(control);
-    if (row == nullptr) return DefWindowProcW(control, message, wParam, lParam);
+}  // namespace
+
+LRESULT CheckboxRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETFOCUS:
-        case WM_KILLFOCUS: Invalidate(*row); return 0;
-        case WM_PAINT: Paint(*row); return 0;
+        case WM_KILLFOCUS: Invalidate(*this); return 0;
+        case WM_PAINT: Paint(*this); return 0;
         case WM_ERASEBKGND: return 1;
         case WM_KEYDOWN:
             if (wParam == VK_SPACE || wParam == VK_RETURN) {
-                ToggleCheckbox(*row);
+                ToggleCheckbox(*this);
                 return 0;
             }
             return DefWindowProcW(control, message, wParam, lParam);
         case WM_MOUSEMOVE:
-            if (!row->Hover) {
-                row->Hover = true;
+            if (!Hover) {
+                Hover = true;
                 TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, control, 0};
                 TrackMouseEvent(&track);
-                Invalidate(*row);
+                Invalidate(*this);
             }
             return 0;
         // No capture: a release over the box toggles it wherever the press began, and a press that
         // leaves before its release only takes the focus.
         case WM_LBUTTONDOWN: SetFocus(control); return 0;
-        case WM_LBUTTONUP: ToggleCheckbox(*row); return 0;
+        case WM_LBUTTONUP: ToggleCheckbox(*this); return 0;
         case WM_MOUSELEAVE:
-            row->Hover = false;
-            Invalidate(*row);
+            Hover = false;
+            Invalidate(*this);
             return 0;
         default: return DefWindowProcW(control, message, wParam, lParam);
     }
 }
 
-}  // namespace
-
 bool RegisterCheckboxClass(HINSTANCE instance, HBRUSH background) {
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = CheckboxProcedure;
+    windowClass.lpfnWndProc = WindowTrampoline<CheckboxRow>;
     windowClass.hInstance = instance;
     windowClass.hCursor = LoadCursorW(nullptr, IDC_HAND);
     windowClass.hbrBackground = background;

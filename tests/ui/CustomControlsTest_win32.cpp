@@ -8,8 +8,8 @@
 #include <map>
 #include <vector>
 
-#include "app/CheckboxControl.h"
-#include "app/SliderControl.h"
+#include "ui/CheckboxControl.h"
+#include "ui/SliderControl.h"
 
 namespace {
 

@@ -16,6 +16,9 @@ struct CheckboxRow {
     bool Checked = false;
     bool Hover = false;
     std::wstring Label;  // drawn beside the box; the window's own title stays empty
+
+    // The control's messages, through the trampoline of its class.
+    LRESULT Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 };
 
 bool RegisterCheckboxClass(HINSTANCE instance, HBRUSH background);

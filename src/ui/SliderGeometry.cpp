@@ -1,4 +1,4 @@
-#include "app/SliderGeometry.h"
+#include "ui/SliderGeometry.h"
 
 #include <algorithm>
 
