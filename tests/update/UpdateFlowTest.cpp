@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "TestSignature.h"
 #include "update/UpdateFlow.h"
 #include "update/Utf8Text.h"
 
@@ -23,9 +24,12 @@ struct ScriptedDesk {
     bool closed = false;
 
     HttpResult Get(const std::wstring&, const std::wstring& path) {
+        const std::string manifest = R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe",)"
+                                     R"("appSha256":")" + test::Sha256Hex("new app") + R"(","analyzerSha256":")" +
+                                     test::Sha256Hex("new analyzer") + "\"}";
         const std::map<std::wstring, std::string> answers = {
-            {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134",
-             R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe"})"},
+            {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134", manifest},
+            {L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134", test::SignatureFile(manifest, test::kReleaseKey)},
             {L"/u/Gripline.exe?v=0.1.0.135", "new app"},
             {L"/u/Analyzer.exe?v=0.1.0.135", "new analyzer"}};
         const auto found = answers.find(path);
