@@ -283,6 +283,9 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     changed[changed.find("Smoother")] = 's';
     const std::string offerSignature = SignedByRelease(offer);
     const std::string withoutHashes = Manifest("0.1.0.135", kNotes, false);
+    // The feed as scripts/package signs it with the same key (package_tests): it offers this very version.
+    const fs::path packaged = fs::path(ProgramPath(VELTOR_PACKAGED_FEED_DIR));
+    ASSERT_TRUE(fs::exists(packaged / "latest.json.sig")) << "no packaged feed in " << packaged << ": run package_tests";
     const struct {
         const char* name;
         std::string manifest;
@@ -308,6 +311,9 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
         {"lower version", Manifest("0.1.0.9", ""), "", 0, {L"No update available. Current version: 0.1.0.134."}, false},
         {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", 0,
          {L"No update available. Current version: 0.1.0.134.", L"Feed note: Same build, new notes."}, false},
+        {"signed by scripts/package", ReadAll(packaged / "latest.json"), "", 0,
+         {L"No update available. Current version: 0.1.0.134.", L"Feed note: Packaged by the test"}, false,
+         ReadAll(packaged / "latest.json.sig")},
         {"answered No", offer, "", IDNO, {}, false},
         {"app download cut short", offer, "Gripline.exe cut 20000", IDYES,
          {downloadingApp, L"Update failed while downloading the app: the download does not match the manifest."}, false},
