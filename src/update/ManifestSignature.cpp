@@ -16,13 +16,6 @@ int Base64Value(char c) {
     return -1;
 }
 
-int HexValue(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
 }  // namespace
 
 bool DecodeSignatureLine(std::string_view line, EcdsaP256Signature& signature) {
@@ -69,8 +62,8 @@ bool DecodePublicKeyHex(std::string_view hex, EcdsaP256PublicKey& key) {
     if (hex.size() != 2 * key.size()) return false;
     EcdsaP256PublicKey decoded{};
     for (size_t i = 0; i < decoded.size(); ++i) {
-        const int high = HexValue(hex[2 * i]);
-        const int low = HexValue(hex[2 * i + 1]);
+        const int high = HexDigitValue(static_cast<unsigned char>(hex[2 * i]));
+        const int low = HexDigitValue(static_cast<unsigned char>(hex[2 * i + 1]));
         if (high < 0 || low < 0) return false;
         decoded[i] = static_cast<uint8_t>(high * 16 + low);
     }

@@ -60,7 +60,9 @@ bool UninstallKeyExists() {
 std::set<std::wstring> FolderFiles() {
     std::set<std::wstring> names;
     std::error_code missing;
-    for (const auto& entry : fs::directory_iterator(kInstallFolder, missing)) names.insert(entry.path().filename().wstring());
+    for (const auto& entry : fs::directory_iterator(kInstallFolder, missing)) {
+        names.insert(entry.path().filename().wstring());
+    }
     return names;
 }
 
@@ -112,7 +114,8 @@ TEST(Setup, InstallsForTheUserUpgradesOverTheRunningProgramAndUninstallsKeepingT
     // A program file in use without a window (held as a running program holds it): the newer setup waits,
     // then gives up with exit code 2 and changes nothing.
     {
-        HANDLE held = CreateFileW(analyzer.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        HANDLE held =
+            CreateFileW(analyzer.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
         ASSERT_NE(held, INVALID_HANDLE_VALUE);
         EXPECT_EQ(RunSilently(ProgramPath(VELTOR_NEXT_SETUP_EXE)), 2);
         CloseHandle(held);
@@ -125,8 +128,8 @@ TEST(Setup, InstallsForTheUserUpgradesOverTheRunningProgramAndUninstallsKeepingT
     std::ofstream(kInstallFolder / kRecording, std::ios::binary) << "VTRREC1 a lap";
     {
         Process running(app.wstring(), L"");
-        ASSERT_NE(WaitForPaintedWindow(L"VeltorCommercialWindow", running.info.dwProcessId, L"Gripline v0.1.0.134"), nullptr)
-            << "the installed program showed no window";
+        const HWND window = WaitForPaintedWindow(L"VeltorCommercialWindow", running.info.dwProcessId, L"v0.1.0.134");
+        ASSERT_NE(window, nullptr) << "the installed program showed no window";
 
         // The newer setup asks it to close, as its close box does (it saves the profiles), then upgrades.
         EXPECT_EQ(RunSilently(ProgramPath(VELTOR_NEXT_SETUP_EXE)), 0);
@@ -136,7 +139,7 @@ TEST(Setup, InstallsForTheUserUpgradesOverTheRunningProgramAndUninstallsKeepingT
     EXPECT_TRUE(ReadAll(analyzer) == releaseAnalyzer);
     EXPECT_EQ(UninstallValue(L"DisplayVersion"), L"0.1.0.135");
     const std::string profiles = ReadAll(kInstallFolder / L"Veltor_profiles.ini");
-    const std::wstring profileText(reinterpret_cast<const wchar_t*>(profiles.data()), profiles.size() / sizeof(wchar_t));
+    const std::wstring profileText(reinterpret_cast<const wchar_t*>(profiles.data()), profiles.size() / 2);  // UTF-16
     EXPECT_NE(profileText.find(L"Name=Setup Driver\r\n"), std::wstring::npos) << "the driver's profiles are gone";
     EXPECT_NE(profileText.find(L"ForceStrength=73\r\n"), std::wstring::npos);
 

@@ -19,8 +19,8 @@ using EcdsaP256PrivateKey = std::array<uint8_t, 32>;  // d, big-endian
 
 // Windows: CNG (BCryptImportKeyPair with an ECC private blob, BCryptSignHash); hosts: OpenSSL. False when
 // the platform could not sign.
-bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey, const EcdsaP256PublicKey& publicKey,
-                   EcdsaP256Signature& signature);
+bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey,
+                   const EcdsaP256PublicKey& publicKey, EcdsaP256Signature& signature);
 
 // 64 lower-case hex digits of the SHA-256 of `bytes`, as a manifest names a file.
 std::string Sha256Hex(std::string_view bytes);

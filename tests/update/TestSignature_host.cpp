@@ -39,8 +39,8 @@ EVP_PKEY* ImportKeyPair(const EcdsaP256PrivateKey& privateKey, const EcdsaP256Pu
 
 }  // namespace
 
-bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey, const EcdsaP256PublicKey& publicKey,
-                   EcdsaP256Signature& signature) {
+bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey,
+                   const EcdsaP256PublicKey& publicKey, EcdsaP256Signature& signature) {
     EVP_PKEY* keyPair = ImportKeyPair(privateKey, publicKey);
     EVP_PKEY_CTX* context = keyPair != nullptr ? EVP_PKEY_CTX_new(keyPair, nullptr) : nullptr;
     size_t size = 0;

@@ -7,8 +7,8 @@
 
 namespace veltor::test {
 
-bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey, const EcdsaP256PublicKey& publicKey,
-                   EcdsaP256Signature& signature) {
+bool SignEcdsaP256(const Sha256Digest& digest, const EcdsaP256PrivateKey& privateKey,
+                   const EcdsaP256PublicKey& publicKey, EcdsaP256Signature& signature) {
     BCRYPT_ALG_HANDLE algorithm = nullptr;
     if (BCryptOpenAlgorithmProvider(&algorithm, BCRYPT_ECDSA_P256_ALGORITHM, nullptr, 0) != 0) return false;
     // BCRYPT_ECCPRIVATE_BLOB: the header, then X, Y and d of cbKey bytes each.

@@ -39,7 +39,9 @@ TEST(FetchManifest, TrustsOnlyASignedManifestThatNamesBothHashes) {
     const std::string offer = paths + appHash + analyzerHash + "}";
     const std::string oneHash = paths + appHash + "}";
     const std::string noAppPath = R"({"version":"0.1.0.135","analyzerPath":"/b.exe")" + appHash + analyzerHash + "}";
-    const auto sign = [](const std::string& manifest) { return Answer(200, test::SignatureFile(manifest, test::kReleaseKey)); };
+    const auto signature = [](const std::string& manifest) { return test::SignatureFile(manifest, test::kReleaseKey); };
+    const auto sign = [&](const std::string& manifest) { return Answer(200, signature(manifest)); };
+    const wchar_t* refused = L"The update server returned HTTP 500.";
     const HttpResult noAnswer{false, 0, {}, L"The update server did not respond."};
     const std::wstring notSigned = kManifestNotSignedError;
     const struct {
@@ -50,10 +52,9 @@ TEST(FetchManifest, TrustsOnlyASignedManifestThatNamesBothHashes) {
         size_t requests;
     } cases[] = {
         {"signed", Answer(200, offer), sign(offer), L"", 2},
-        {"the manifest refused", Answer(500, offer, L"The update server returned HTTP 500."), sign(offer), L"The update server returned HTTP 500.", 1},
+        {"the manifest refused", Answer(500, offer, refused), sign(offer), refused, 1},
         {"no answer for the signature", Answer(200, offer), noAnswer, L"The update server did not respond.", 2},
-        {"a signature served with status 500", Answer(200, offer), Answer(500, test::SignatureFile(offer, test::kReleaseKey)),
-         notSigned.c_str(), 2},
+        {"a signature served with status 500", Answer(200, offer), Answer(500, signature(offer)), notSigned.c_str(), 2},
         {"signed, one hash", Answer(200, oneHash), sign(oneHash), notSigned.c_str(), 2},
         {"signed, no appPath", Answer(200, noAppPath), sign(noAppPath), kManifestInvalidError, 2},
         {"unsigned, no appPath", Answer(200, noAppPath), Answer(404, "not found"), notSigned.c_str(), 2},

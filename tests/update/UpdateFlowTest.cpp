@@ -24,12 +24,13 @@ struct ScriptedDesk {
     bool closed = false;
 
     HttpResult Get(const std::wstring&, const std::wstring& path) {
-        const std::string manifest = R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe",)"
-                                     R"("appSha256":")" + test::Sha256Hex("new app") + R"(","analyzerSha256":")" +
-                                     test::Sha256Hex("new analyzer") + "\"}";
+        const std::string manifest =
+            R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe","appSha256":")" +
+            test::Sha256Hex("new app") + R"(","analyzerSha256":")" + test::Sha256Hex("new analyzer") + "\"}";
+        const std::string signature = test::SignatureFile(manifest, test::kReleaseKey);
         const std::map<std::wstring, std::string> answers = {
             {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134", manifest},
-            {L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134", test::SignatureFile(manifest, test::kReleaseKey)},
+            {L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134", signature},
             {L"/u/Gripline.exe?v=0.1.0.135", "new app"},
             {L"/u/Analyzer.exe?v=0.1.0.135", "new analyzer"}};
         const auto found = answers.find(path);

@@ -285,7 +285,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     const std::string withoutHashes = Manifest("0.1.0.135", kNotes, false);
     // The feed as scripts/package signs it with the same key (package_tests): it offers this very version.
     const fs::path packaged = fs::path(ProgramPath(VELTOR_PACKAGED_FEED_DIR));
-    ASSERT_TRUE(fs::exists(packaged / "latest.json.sig")) << "no packaged feed in " << packaged << ": run package_tests";
+    ASSERT_TRUE(fs::exists(packaged / "latest.json.sig")) << "no feed in " << packaged << ": run package_tests";
     const struct {
         const char* name;
         std::string manifest;
