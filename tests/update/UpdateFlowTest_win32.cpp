@@ -206,6 +206,15 @@ protected:
         fs::remove_all(folder, ignored);
     }
 
+    // A failed check at start: no box, no line.
+    static void ExpectNoTraceOfTheCheckAtStart(const Program& program) {
+        // The wheels are listed just before the check; once they are, the next message waits for its end.
+        EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
+        Settle(program.Window);
+        EXPECT_FALSE(HasBox(program.Id()));
+        EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    }
+
     // Presses "Update", answers the question if one is expected, and waits until the flow has ended with
     // exactly `lines` in the log behind the first.
     void PressUpdate(const Program& program, const wchar_t* question, int answer, const std::vector<std::wstring>& lines) {
@@ -268,11 +277,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     const std::string oldApp = ReadAll(app);
     Program program(app, SW_SHOWNORMAL);
     ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
-    // The wheels are listed just before the check; once they are, the next message waits for its end.
-    EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
-    Settle(program.Window);
-    EXPECT_FALSE(HasBox(program.Id()));
-    EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    ExpectNoTraceOfTheCheckAtStart(program);
 
     const wchar_t* question = L"Version 0.1.0.135 is available.\n\nSmoother grip model, tested in Z\u00fcrich.\n\n"
                               L"Download the new app and analyzer, replace the current files, and restart now?";
@@ -385,10 +390,7 @@ TEST_F(UpdateFlow, AProgramBuiltWithoutAKeyTakesNoManifest) {
     const size_t requestsBefore = ServerRequests().size();
     Program program(app, SW_SHOWNORMAL);
     ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
-    EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
-    Settle(program.Window);
-    EXPECT_FALSE(HasBox(program.Id()));
-    EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    ExpectNoTraceOfTheCheckAtStart(program);
     PressUpdate(program, nullptr, 0,
                 {L"Update check failed: the update manifest is not signed with the release key."});
     EXPECT_EQ(ServerRequests().size(), requestsBefore) << ServerRequests().substr(requestsBefore);
