@@ -14,7 +14,6 @@ namespace veltor {
 // The update server's host name, a build setting (VELTOR_UPDATE_HOST); always HTTPS on port 443.
 extern const wchar_t* const UpdateHost;
 inline constexpr wchar_t UpdateManifestPath[] = L"/uploads/veltor/commercial/latest.json";
-inline constexpr wchar_t UpdateSignaturePath[] = L"/uploads/veltor/commercial/latest.json.sig";
 // The release's public key, a build setting (VELTOR_UPDATE_PUBLIC_KEY): 128 hex digits, or empty.
 extern const char* const UpdatePublicKey;
 
@@ -44,7 +43,8 @@ bool FetchManifest(Get&& get, UpdateManifest& manifest, bool& updateAvailable, s
         error = result.Error;
         return false;
     }
-    const HttpResult signature = get(host, AddVersionQuery(UpdateSignaturePath, CurrentVersionText()));
+    const std::wstring signaturePath = std::wstring(UpdateManifestPath) + L".sig";  // beside the manifest
+    const HttpResult signature = get(host, AddVersionQuery(signaturePath, CurrentVersionText()));
     // A server that answered without the signature (404) has none to give; one that did not answer says so.
     if (!signature.Ok && signature.StatusCode == 0) {
         error = signature.Error;
