@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "update/UpdateManifest.h"
 #include "platform/TextConversion.h"
+#include "update/UpdateManifest.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;

@@ -2,8 +2,8 @@
 #include <shellapi.h>
 #include <shlwapi.h>
 
-#include "update/RestartScript.h"
 #include "platform/TextConversion.h"
+#include "update/RestartScript.h"
 #include "update/WriteBytes.h"
 
 namespace veltor {

@@ -17,4 +17,7 @@ bool Sha256(const uint8_t* data, size_t size, Sha256Digest& digest);
 // hex digits.
 bool MatchesSha256(const std::vector<uint8_t>& bytes, const std::wstring& expectedHex);
 
+// 0 to 15 for a hex digit in either case, -1 for any other character.
+int HexDigitValue(wchar_t c);
+
 }  // namespace veltor

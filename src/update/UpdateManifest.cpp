@@ -1,6 +1,7 @@
 #include "update/UpdateManifest.h"
 
 #include "platform/TextConversion.h"
+#include "update/Sha256.h"
 
 namespace veltor {
 
@@ -37,8 +38,7 @@ std::wstring JsonStringValue(const std::string& text, std::string_view key) {
 bool IsSha256Hex(std::wstring_view text) {
     if (text.size() != 64) return false;
     for (const wchar_t c : text) {
-        const bool hex = (c >= L'0' && c <= L'9') || (c >= L'a' && c <= L'f') || (c >= L'A' && c <= L'F');
-        if (!hex) return false;
+        if (HexDigitValue(c) < 0) return false;
     }
     return true;
 }

@@ -6,7 +6,8 @@
 
 namespace veltor {
 
-// What the update server offers. The two hashes are optional: empty means that file is taken unchecked.
+// What the update server offers. The manifest's format leaves the two hashes optional; FetchManifest takes
+// none without both.
 struct UpdateManifest {
     bool Valid = false;
     VersionNumbers VersionParts{};

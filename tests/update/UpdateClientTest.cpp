@@ -6,13 +6,18 @@
 #include <string>
 #include <vector>
 
+#include "TestSignature.h"
+#include "platform/TextConversion.h"
 #include "update/RestartScript.h"
 #include "update/UpdateClient.h"
-#include "platform/TextConversion.h"
 
 // The manifest check itself, and the download against the live server, run under Wine in
 // UpdateFlowTest_win32.cpp; here is what a server cannot easily be made to do.
 namespace veltor {
+
+// This test build takes the build tree's throwaway release key (the public half behind d).
+const char* const UpdatePublicKey = test::kReleaseKey.data() + 64;
+
 namespace {
 
 HttpResult Answer(uint32_t status, const std::string& body, const wchar_t* error = L"") {
@@ -23,6 +28,54 @@ HttpResult Answer(uint32_t status, const std::string& body, const wchar_t* error
 std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The refusals that a server plays (no signature, another key, a changed manifest, a bad line, no hashes)
+// are the Wine flow test's; here are a signature request that gets no answer and the order of the checks.
+TEST(FetchManifest, TrustsOnlyASignedManifestThatNamesBothHashes) {
+    const std::string paths = R"({"version":"0.1.0.135","appPath":"/a.exe","analyzerPath":"/b.exe")";
+    const std::string appHash = R"(,"appSha256":")" + std::string(64, 'a') + "\"";
+    const std::string analyzerHash = R"(,"analyzerSha256":")" + std::string(64, 'B') + "\"";
+    const std::string offer = paths + appHash + analyzerHash + "}";
+    const std::string oneHash = paths + appHash + "}";
+    const std::string noAppPath = R"({"version":"0.1.0.135","analyzerPath":"/b.exe")" + appHash + analyzerHash + "}";
+    const auto signature = [](const std::string& manifest) { return test::SignatureFile(manifest, test::kReleaseKey); };
+    const auto sign = [&](const std::string& manifest) { return Answer(200, signature(manifest)); };
+    const wchar_t* refused = L"The update server returned HTTP 500.";
+    const HttpResult noAnswer{false, 0, {}, L"The update server did not respond."};
+    const std::wstring notSigned = kManifestNotSignedError;
+    const struct {
+        const char* name;
+        HttpResult manifest;
+        HttpResult signature;
+        const wchar_t* error;  // empty for a check that worked
+        size_t requests;
+    } cases[] = {
+        {"signed", Answer(200, offer), sign(offer), L"", 2},
+        {"the manifest refused", Answer(500, offer, refused), sign(offer), refused, 1},
+        {"no answer for the signature", Answer(200, offer), noAnswer, L"The update server did not respond.", 2},
+        {"a signature served with status 500", Answer(200, offer), Answer(500, signature(offer)), notSigned.c_str(), 2},
+        {"signed, one hash", Answer(200, oneHash), sign(oneHash), notSigned.c_str(), 2},
+        {"signed, no appPath", Answer(200, noAppPath), sign(noAppPath), kManifestInvalidError, 2},
+        {"unsigned, no appPath", Answer(200, noAppPath), Answer(404, "not found"), notSigned.c_str(), 2},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::wstring> asked;
+        const auto get = [&](const std::wstring& host, const std::wstring& path) {
+            asked.push_back(host + path);
+            return path.find(L".sig") == std::wstring::npos ? c.manifest : c.signature;
+        };
+        UpdateManifest manifest;
+        bool available = false;
+        std::wstring error;
+        EXPECT_EQ(FetchManifest(get, manifest, available, error), *c.error == L'\0') << c.name;
+        EXPECT_EQ(error, c.error) << c.name;
+        EXPECT_EQ(available, *c.error == L'\0') << c.name;
+        const std::wstring host = UpdateHost;
+        const std::vector<std::wstring> expected = {host + L"/uploads/veltor/commercial/latest.json?v=0.1.0.134",
+                                                    host + L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134"};
+        EXPECT_EQ(asked, std::vector<std::wstring>(expected.begin(), expected.begin() + c.requests)) << c.name;
+    }
 }
 
 TEST(DownloadUpdateFile, WritesOnlyAnAnswerThatMatchesTheManifestsHash) {

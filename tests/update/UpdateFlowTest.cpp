@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "update/UpdateFlow.h"
+#include "TestSignature.h"
 #include "platform/TextConversion.h"
+#include "update/UpdateFlow.h"
 
 // The flow runs in the real program against the test server under Wine (UpdateFlowTest_win32.cpp), with
 // the notice at start, every failure the server can play and the restart. Here are the stages after the
@@ -23,9 +24,13 @@ struct ScriptedDesk {
     bool closed = false;
 
     HttpResult Get(const std::wstring&, const std::wstring& path) {
+        const std::string manifest =
+            R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe","appSha256":")" +
+            test::Sha256Hex("new app") + R"(","analyzerSha256":")" + test::Sha256Hex("new analyzer") + "\"}";
+        const std::string signature = test::SignatureFile(manifest, test::kReleaseKey);
         const std::map<std::wstring, std::string> answers = {
-            {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134",
-             R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe"})"},
+            {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134", manifest},
+            {L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134", signature},
             {L"/u/Gripline.exe?v=0.1.0.135", "new app"},
             {L"/u/Analyzer.exe?v=0.1.0.135", "new analyzer"}};
         const auto found = answers.find(path);

@@ -1,7 +1,8 @@
 // The update as a user meets it: a test build of the program (gripline_loopback, 0.1.0.134, asking the
 // test server on localhost) in a folder of its own, its log panel and its message boxes, answered by
 // pressing their buttons, and the real restart through cmd.exe into the newer test build
-// (gripline_loopback_next, 0.1.0.135) that the feed offers. The test server (tests/update/update-server.sh,
+// (gripline_loopback_next, 0.1.0.135) that the feed offers; both carry the build tree's throwaway release
+// key, and the feed is signed with it unless a case says otherwise. The test server (tests/update/update-server.sh,
 // started by scripts/test) plays what its folder says: the files it serves, their faults, its greeting.
 #include <windows.h>
 
@@ -13,9 +14,10 @@
 #include <vector>
 
 #include "ProgramWindow_win32.h"
+#include "TestSignature.h"
+#include "platform/TextConversion.h"
 #include "update/RestartScript.h"
 #include "update/Sha256.h"
-#include "platform/TextConversion.h"
 #include "update/WriteBytes.h"
 
 namespace veltor::test {
@@ -52,31 +54,36 @@ void SetSwitch(const fs::path& path, const std::string& text) {
 std::string ServerRequests() { return ReadAll(kServerDir / "requests.log"); }
 bool ServerLogged(const std::string& line) { return ServerRequests().find(line) != std::string::npos; }
 
-std::string HashHex(const std::string& bytes) {
-    Sha256Digest digest{};
-    Sha256(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), digest);
-    std::string hex;
-    for (const uint8_t b : digest) hex += std::string{"0123456789abcdef"[b >> 4], "0123456789abcdef"[b & 15]};
-    return hex;
-}
-
 const std::string& NewApp() {
     static const std::string bytes = ReadAll(ProgramPath(VELTOR_LOOPBACK_NEXT_EXE));
     return bytes;
 }
 
-// A manifest as the release script writes it: the four keys and both hashes.
-std::string Manifest(const std::string& version, const std::string& notes) {
-    return "{\n  \"version\": \"" + version + "\",\n  \"appPath\": \"" + kAppPath + "\",\n  \"analyzerPath\": \"" +
-           kAnalyzerPath + "\",\n  \"notes\": \"" + notes + "\",\n  \"appSha256\": \"" + HashHex(NewApp()) +
-           "\",\n  \"analyzerSha256\": \"" + HashHex(kNewAnalyzer) + "\"\n}\n";
+// A manifest as the release script writes it: the four keys and, unless left out, both hashes.
+std::string Manifest(const std::string& version, const std::string& notes, bool hashes = true) {
+    const std::string keys = "{\n  \"version\": \"" + version + "\",\n  \"appPath\": \"" + kAppPath +
+                             "\",\n  \"analyzerPath\": \"" + kAnalyzerPath + "\",\n  \"notes\": \"" + notes + "\"";
+    if (!hashes) return keys + "\n}\n";
+    return keys + ",\n  \"appSha256\": \"" + test::Sha256Hex(NewApp()) + "\",\n  \"analyzerSha256\": \"" +
+           test::Sha256Hex(kNewAnalyzer) + "\"\n}\n";
 }
 
-// The feed offering `manifest`; `fault` names what misbehaves and how: a file of the feed and its fault
-// ("latest.json status 500", "Gripline.exe cut 20000", "... slow S"), or the server's greeting ("switch down",
-// "switch untrusted").
-void SetFeed(const std::string& manifest, const std::string& fault = "") {
+std::string SignedByRelease(const std::string& manifest) { return test::SignatureFile(manifest, test::kReleaseKey); }
+
+// The feed's signature file: the release key's over the manifest served, or no file at all (404).
+const std::string kSignedByRelease;
+const std::string kNoSignatureFile = "no file";
+
+// The feed offering `manifest` with `signature` beside it; `fault` names what misbehaves and how: a file
+// of the feed and its fault ("latest.json status 500", "Gripline.exe cut 20000", "... slow S"), or the
+// server's greeting ("switch down", "switch untrusted").
+void SetFeed(const std::string& manifest, const std::string& fault = "",
+             const std::string& signature = kSignedByRelease) {
     const std::string target = fault.substr(0, fault.find(' ')), how = fault.substr(fault.find(' ') + 1);
+    const fs::path signatureFile = kServerDir / "feed" / "uploads" / "veltor" / "commercial" / "latest.json.sig";
+    SetSwitch(signatureFile, signature == kNoSignatureFile ? ""
+                             : signature == kSignedByRelease ? SignedByRelease(manifest)
+                                                             : signature);
     const std::pair<std::string, std::string> files[] = {{"/uploads/veltor/commercial/latest.json", manifest},
                                                          {kAppPath, NewApp()}, {kAnalyzerPath, kNewAnalyzer}};
     for (const auto& [urlPath, body] : files) {
@@ -200,6 +207,15 @@ protected:
         fs::remove_all(folder, ignored);
     }
 
+    // A failed check at start: no box, no line.
+    static void ExpectNoTraceOfTheCheckAtStart(const Program& program) {
+        // The wheels are listed just before the check; once they are, the next message waits for its end.
+        EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
+        Settle(program.Window);
+        EXPECT_FALSE(HasBox(program.Id()));
+        EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    }
+
     // Presses "Update", answers the question if one is expected, and waits until the flow has ended with
     // exactly `lines` in the log behind the first.
     void PressUpdate(const Program& program, const wchar_t* question, int answer, const std::vector<std::wstring>& lines) {
@@ -262,16 +278,20 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     const std::string oldApp = ReadAll(app);
     Program program(app, SW_SHOWNORMAL);
     ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
-    // The wheels are listed just before the check; once they are, the next message waits for its end.
-    EXPECT_TRUE(WaitFor([&] { return program.LogText().find(L" found.\r\n") != std::wstring::npos; }));
-    Settle(program.Window);
-    EXPECT_FALSE(HasBox(program.Id()));
-    EXPECT_EQ(program.LogText().find(L"Update"), std::wstring::npos);
+    ExpectNoTraceOfTheCheckAtStart(program);
 
     const wchar_t* question = L"Version 0.1.0.135 is available.\n\nSmoother grip model, tested in Z\u00fcrich.\n\n"
                               L"Download the new app and analyzer, replace the current files, and restart now?";
     const std::wstring downloadingApp = L"Downloading Gripline.exe v0.1.0.135...";
     const std::wstring downloadingAnalyzer = L"Downloading VeltorCommercialAnalyzer.exe v0.1.0.135...";
+    const std::wstring notSigned = L"Update check failed: the update manifest is not signed with the release key.";
+    std::string changed = offer;
+    changed[changed.find("Smoother")] = 's';
+    const std::string offerSignature = SignedByRelease(offer);
+    const std::string withoutHashes = Manifest("0.1.0.135", kNotes, false);
+    // The feed as scripts/package signs it with the same key (package_tests): it offers this very version.
+    const fs::path packaged = fs::path(ProgramPath(VELTOR_PACKAGED_FEED_DIR));
+    ASSERT_TRUE(fs::exists(packaged / "latest.json.sig")) << "no feed in " << packaged << ": run package_tests";
     const struct {
         const char* name;
         std::string manifest;
@@ -279,17 +299,27 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
         int answer;  // to the question, or 0 where none may come
         std::vector<std::wstring> lines;
         bool appFileStays;
+        std::string signature = kSignedByRelease;
     } cases[] = {
         {"server down", offer, "switch down", 0, {L"Update check failed: The update server did not respond."}, false},
         {"status 500", offer, "latest.json status 500", 0, {L"Update check failed: The update server returned HTTP 500."},
          false},
         {"manifest without appPath", R"({"version":"0.1.0.135","analyzerPath":"/a.exe"})", "", 0,
          {L"Update check failed: the update manifest is invalid."}, false},
+        {"no signature (404)", offer, "", 0, {notSigned}, false, kNoSignatureFile},
+        {"signed by another key", offer, "", 0, {notSigned}, false, test::SignatureFile(offer, test::kOtherKey)},
+        {"changed by one byte after signing", changed, "", 0, {notSigned}, false, offerSignature},
+        {"truncated signature", offer, "", 0, {notSigned}, false, offerSignature.substr(0, 60) + "\n"},
+        {"signature not in base64", offer, "", 0, {notSigned}, false, "not a signature, but a line of ASCII\n"},
+        {"signed without the hashes", withoutHashes, "", 0, {notSigned}, false},
         {"untrusted certificate", offer, "switch untrusted", 0,
          {L"Update check failed: The update server did not respond."}, false},
         {"lower version", Manifest("0.1.0.9", ""), "", 0, {L"No update available. Current version: 0.1.0.134."}, false},
         {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", 0,
          {L"No update available. Current version: 0.1.0.134.", L"Feed note: Same build, new notes."}, false},
+        {"signed by scripts/package", ReadAll(packaged / "latest.json"), "", 0,
+         {L"No update available. Current version: 0.1.0.134.", L"Feed note: Packaged by the test"}, false,
+         ReadAll(packaged / "latest.json.sig")},
         {"answered No", offer, "", IDNO, {}, false},
         {"app download cut short", offer, "Gripline.exe cut 20000", IDYES,
          {downloadingApp, L"Update failed while downloading the app: the download does not match the manifest."}, false},
@@ -301,7 +331,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         RemoveUpdateFiles();
-        SetFeed(c.manifest, c.fault);
+        SetFeed(c.manifest, c.fault, c.signature);
         const size_t requestsBefore = ServerRequests().size();
         PressUpdate(program, c.answer != 0 ? question : nullptr, c.answer, c.lines);
 
@@ -333,6 +363,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     HWND next = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (next = FindWindowW(kMainClass, L"Gripline v0.1.0.135")) != nullptr; }))
         << "the new version did not start";
+    EXPECT_TRUE(ServerLogged("GET /uploads/veltor/commercial/latest.json.sig?v=0.1.0.134 Veltor Updater/0.1.0.134\n"));
     EXPECT_TRUE(ServerLogged("GET " + kAppPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
     EXPECT_TRUE(ServerLogged("GET " + kAnalyzerPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
     EXPECT_TRUE(ReadAll(app) == NewApp()) << "the program was not replaced";
@@ -350,6 +381,21 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     EXPECT_EQ(WindowText(LogPanel(next)).find(L"Update"), std::wstring::npos);
     PostMessageW(next, WM_CLOSE, 0, 0);
     EXPECT_TRUE(WaitGone(next));
+}
+
+// A program built without a key trusts no manifest: it does not ask the server at all, says why when
+// Update is pressed, and at start leaves no trace.
+TEST_F(UpdateFlow, AProgramBuiltWithoutAKeyTakesNoManifest) {
+    ASSERT_TRUE(fs::copy_file(ProgramPath(VELTOR_LOOPBACK_KEYLESS_EXE), app, fs::copy_options::overwrite_existing));
+    SetFeed(Manifest("0.1.0.135", kNotes));
+    const size_t requestsBefore = ServerRequests().size();
+    Program program(app, SW_SHOWNORMAL);
+    ASSERT_NE(program.Window, nullptr) << "no window; exit code " << program.WaitForExit();
+    ExpectNoTraceOfTheCheckAtStart(program);
+    PressUpdate(program, nullptr, 0,
+                {L"Update check failed: the update manifest is not signed with the release key."});
+    EXPECT_EQ(ServerRequests().size(), requestsBefore) << ServerRequests().substr(requestsBefore);
+    EXPECT_FALSE(fs::exists(kNewAppFile));
 }
 
 // The restart script under cmd.exe when the program never lets go of its file: it gives up after ten
