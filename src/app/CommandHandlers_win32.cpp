@@ -5,6 +5,7 @@
 #include <cwchar>
 
 #include "app/ControlCatalogue.h"
+#include "app/ControlIds.h"
 #include "app/StatusReport.h"
 
 namespace veltor {
@@ -46,25 +47,25 @@ LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
     const int32_t id = LOWORD(wParam);
     const UINT notification = HIWORD(wParam);
     switch (id) {
-        case 1001: StartEngine(); return 0;
-        case 1002: StopEngine(); return 0;
-        case 1003:
+        case kStartButton: StartEngine(); return 0;
+        case kStopButton: StopEngine(); return 0;
+        case kOutputModeCombo:
             if (notification != CBN_SELCHANGE) break;
             if (Selection(OutputModeCombo) >= 0) Tracking().ChangeSetting(&EngineSettings::Mode, Selection(OutputModeCombo));
             return 0;
-        case 1008:
+        case kProfileCombo:
             if (notification != CBN_SELCHANGE) break;
             Tracking().SelectProfile(Selection(ProfileCombo));
             return 0;
-        case 1009: Tracking().NewProfile(); return 0;
-        case 1010: Tracking().SaveProfile(); return 0;
-        case 1123: ShowLogWindow(); return 0;
-        case 1124: StartRecording(); return 0;
-        case 1125: StopRecording(); return 0;
-        case 1126: LaunchAnalyzer(); return 0;
-        case 1127: RunUpdate(); return 0;
-        case 1130: OpenDonationPage(*this); return 0;
-        case 1131:
+        case kNewButton: Tracking().NewProfile(); return 0;
+        case kSaveButton: Tracking().SaveProfile(); return 0;
+        case kViewLogButton: ShowLogWindow(); return 0;
+        case kRecordButton: StartRecording(); return 0;
+        case kStopRecButton: StopRecording(); return 0;
+        case kAnalyzerButton: LaunchAnalyzer(); return 0;
+        case kUpdateButton: RunUpdate(); return 0;
+        case kDonateButton: OpenDonationPage(*this); return 0;
+        case kTorqueEdit:
             if (notification != EN_KILLFOCUS) break;
             Tracking().ApplyTorqueField();
             return 0;
@@ -108,11 +109,11 @@ void App::OnCheckbox(int32_t id) {
     for (const CheckboxRow& candidate : CheckboxRows) row = candidate.Id == id ? &candidate : row;
     if (row == nullptr) return;
     const bool on = row->Checked;
-    if (id == 1004) {
+    if (id == kCarSpecificCheck) {
         Tracking().ToggleCarSpecific(on);
         return;
     }
-    if (id == 1007) WriteRunOnStartup(on);
+    if (id == kRunOnStartupCheck) WriteRunOnStartup(on);
     Tracking().ChangeSetting(entry->CheckField, on);
     const SettingRow& setting = SettingRowOf(entry->CheckField);
     AppendLog(std::wstring(on ? setting.onLog : setting.offLog));

@@ -2,12 +2,15 @@
 
 #include <cwchar>
 
+#include "app/ControlIds.h"
 #include "update/ProductVersion.h"
 
 namespace veltor {
 namespace {
 
 using K = ControlKind;
+using S = EngineSettings;
+using C = CarCoefficients;
 
 constexpr CatalogueEntry Label(std::wstring_view text, ControlRect rect, ControlFont font = ControlFont::Body) {
     return {.Kind = K::Label, .Text = text, .Rect = rect, .Font = font};
@@ -19,83 +22,84 @@ constexpr CatalogueEntry Button(int32_t id, std::wstring_view text, ControlRect 
 }
 
 // A checkbox or a slider of a setting: its label, range and field come from the setting's row.
-constexpr CatalogueEntry Check(int32_t id, int32_t y) {
-    const SettingRow& row = *FindSettingRow(id);
-    return {.Kind = K::Checkbox, .Id = id, .Text = row.label, .Rect = {48, y, 250, 24}, .CheckField = row.flag};
+constexpr CatalogueEntry Check(bool S::*field, int32_t y) {
+    const SettingRow& row = SettingRowOf(field);
+    return {.Kind = K::Checkbox, .Id = row.control, .Text = row.label, .Rect = {48, y, 250, 24}, .CheckField = field};
 }
 
-constexpr CatalogueEntry Slider(int32_t id, int32_t x, int32_t y) {
-    const SettingRow& row = *FindSettingRow(id);
-    return {.Kind = K::Slider, .Id = id, .Text = row.label, .Rect = {x, y, 0, 0}, .Font = ControlFont::None,
-            .Minimum = row.minimum, .Maximum = row.maximum, .SliderField = row.number};
+constexpr CatalogueEntry Slider(int32_t S::*field, int32_t x, int32_t y) {
+    const SettingRow& row = SettingRowOf(field);
+    return {.Kind = K::Slider, .Id = row.control, .Text = row.label, .Rect = {x, y, 0, 0}, .Font = ControlFont::None,
+            .Minimum = row.minimum, .Maximum = row.maximum, .SliderField = field};
 }
 
-// A car slider: label and range from the coefficient's row.
-constexpr CatalogueEntry CarSlider(int32_t id, int32_t y, ControlSetup setup = ControlSetup::None) {
-    const CoefficientRow& row = *FindCoefficientRow(id);
-    return {.Kind = K::Slider, .Id = id, .Text = row.label, .Rect = {1298, y, 0, 0}, .Font = ControlFont::None,
-            .Setup = setup, .Minimum = row.minimum, .Maximum = row.maximum, .Coefficient = &row};
+// A car slider: id, label and range from the coefficient's row.
+constexpr CatalogueEntry CarSlider(float C::*field, int32_t y, ControlSetup setup = ControlSetup::None) {
+    const CoefficientRow& row = CoefficientRowOf(field);
+    return {.Kind = K::Slider, .Id = row.control, .Text = row.label, .Rect = {1298, y, 0, 0},
+            .Font = ControlFont::None, .Setup = setup, .Minimum = row.minimum, .Maximum = row.maximum,
+            .Coefficient = &row};
 }
 
 constexpr std::array kCatalogue{
     // Control deck.
     Label(L"FORCE FEEDBACK DEVICE", {48, 188, 220, 20}),
-    CatalogueEntry{.Kind = K::DropDownList, .Id = 1000, .Text = L"", .Rect = {48, 214, 250, 280}},
+    CatalogueEntry{.Kind = K::DropDownList, .Id = kDeviceCombo, .Text = L"", .Rect = {48, 214, 250, 280}},
     Label(L"OUTPUT MODE", {48, 268, 220, 20}),
-    CatalogueEntry{.Kind = K::DropDownList, .Id = 1003, .Text = L"", .Rect = {48, 294, 250, 280},
+    CatalogueEntry{.Kind = K::DropDownList, .Id = kOutputModeCombo, .Text = L"", .Rect = {48, 294, 250, 280},
                    .Setup = ControlSetup::FillOutputModes},
     Label(L"DRIVER PROFILE", {48, 326, 220, 20}),
-    CatalogueEntry{.Kind = K::EditableCombo, .Id = 1008, .Text = L"", .Rect = {48, 350, 250, 280},
+    CatalogueEntry{.Kind = K::EditableCombo, .Id = kProfileCombo, .Text = L"", .Rect = {48, 350, 250, 280},
                    .Setup = ControlSetup::FillProfiles},
-    Button(1009, L"New", {48, 390, 118, 34}),
-    Button(1010, L"Save", {180, 390, 118, 34}),
-    Button(1001, L"Start", {48, 442, 118, 34}),
-    Button(1002, L"Stop", {180, 442, 118, 34}, ControlSetup::Disable),
-    Check(1004, 496),
-    Check(1005, 522),
-    Check(1006, 548),
-    Check(1007, 574),
-    Check(1011, 600),
-    Check(1012, 626),
+    Button(kNewButton, L"New", {48, 390, 118, 34}),
+    Button(kSaveButton, L"Save", {180, 390, 118, 34}),
+    Button(kStartButton, L"Start", {48, 442, 118, 34}),
+    Button(kStopButton, L"Stop", {180, 442, 118, 34}, ControlSetup::Disable),
+    Check(&S::UseCarSpecificSettings, 496),
+    Check(&S::ReduceForceWhenParked, 522),
+    Check(&S::StartMinimized, 548),
+    Check(&S::RunOnStartup, 574),
+    Check(&S::SimucubeMode, 600),
+    Check(&S::DebugLogging, 626),
     // Tuning matrix.
     Label(L"BASE SIGNAL", {374, 188, 220, 20}),
-    Slider(1100, 374, 218),
-    Slider(1101, 374, 288),
-    Slider(1104, 374, 358),
-    Slider(1102, 374, 428),
-    Slider(1103, 374, 498),
-    Slider(1105, 374, 568),
+    Slider(&S::MinForce, 374, 218),
+    Slider(&S::ForceStrength, 374, 288),
+    Slider(&S::Damping, 374, 358),
+    Slider(&S::Bumps, 374, 428),
+    Slider(&S::BumpImpacts, 374, 498),
+    Slider(&S::AbsVibration, 374, 568),
     Label(L"GRIP MODEL", {674, 188, 220, 20}),
-    Slider(1109, 674, 218),
-    Slider(1108, 674, 288),
-    Slider(1106, 674, 358),
-    Slider(1107, 674, 428),
-    Slider(1110, 674, 498),
-    Slider(1111, 674, 568),
+    Slider(&S::UndersteerResistance, 674, 218),
+    Slider(&S::UndersteerLighten, 674, 288),
+    Slider(&S::CarForceBalance, 674, 358),
+    Slider(&S::SuspensionDetailPriority, 674, 428),
+    Slider(&S::OversteerCorrection, 674, 498),
+    Slider(&S::OversteerOffset, 674, 568),
     // Crash protection.
-    Slider(1112, 978, 218),
-    Slider(1113, 978, 288),
-    Slider(1114, 978, 358),
-    Slider(1115, 978, 428),
+    Slider(&S::CrashLongG, 978, 218),
+    Slider(&S::CrashLatG, 978, 288),
+    Slider(&S::CrashDurationTenths, 978, 358),
+    Slider(&S::CrashReduction, 978, 428),
     // Car-specific feel: the label is the App's CarLabel, the sliders show the car's coefficients.
     CatalogueEntry{.Kind = K::CarLabel, .Text = L"Car: generic", .Rect = {1298, 188, 244, 22}},
-    CarSlider(1116, 218),
-    CarSlider(1117, 288),
-    CarSlider(1118, 358),
-    CarSlider(1119, 428),
-    CarSlider(1120, 498, ControlSetup::ShowCarPanel),
+    CarSlider(&C::YawRateMultiplier, 218),
+    CarSlider(&C::YawSteerGain, 288),
+    CarSlider(&C::LateralAccelDivisor, 358),
+    CarSlider(&C::ResistanceGain, 428),
+    CarSlider(&C::SteerMarginBias, 498, ControlSetup::ShowCarPanel),
     // Top band.
     Label(L"WHEELBASE MAX TORQUE", {980, 42, 230, 20}, ControlFont::Section),
-    CatalogueEntry{.Kind = K::TorqueEdit, .Id = 1131, .Text = L"", .Rect = {980, 68, 128, 28}, .Setup = ControlSetup::FillTorque},
+    CatalogueEntry{.Kind = K::TorqueEdit, .Id = kTorqueEdit, .Text = L"", .Rect = {980, 68, 128, 28}, .Setup = ControlSetup::FillTorque},
     Label(L"Nm", {1118, 72, 40, 20}),
     Label(L"UPDATES AND SUPPORT", {1268, 42, 272, 20}, ControlFont::Section),
-    Button(1127, L"Update", {1392, 64, 88, 32}),
-    Button(1130, L"Donate", {1484, 64, 84, 32}),
+    Button(kUpdateButton, L"Update", {1392, 64, 88, 32}),
+    Button(kDonateButton, L"Donate", {1484, 64, 84, 32}),
     // Recording row and the session log.
-    Button(1124, L"Record", {1088, 674, 104, 30}, ControlSetup::Disable),
-    Button(1125, L"Stop rec", {1200, 674, 104, 30}, ControlSetup::Disable),
-    Button(1126, L"Analyzer", {1312, 674, 104, 30}),
-    Button(1123, L"View log", {1424, 674, 124, 30}),
+    Button(kRecordButton, L"Record", {1088, 674, 104, 30}, ControlSetup::Disable),
+    Button(kStopRecButton, L"Stop rec", {1200, 674, 104, 30}, ControlSetup::Disable),
+    Button(kAnalyzerButton, L"Analyzer", {1312, 674, 104, 30}),
+    Button(kViewLogButton, L"View log", {1424, 674, 124, 30}),
     CatalogueEntry{.Kind = K::LogPanel, .Text = L"", .Rect = {48, 718, 1500, 56}, .Font = ControlFont::Mono},
 };
 

@@ -28,7 +28,7 @@ std::wstring CarLabelText(const ProfileStore& store, std::wstring_view normalize
 //   ShowSettings(const EngineSettings&)     the live record on the controls, no notifications
 //   ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& sliderValues)
 //   ShowProfileList(const std::vector<DriverProfile>&, int32_t selected)  refill, select when not empty
-//   ShowCarSpecificCheck(bool)              checkbox 1004, no notification
+//   ShowCarSpecificCheck(bool)              the car-settings checkbox, no notification
 //   ShowTorqueField(int32_t tenths)
 //   std::wstring ReadProfileNameText()      the profile box's text, at most 127 characters
 //   std::wstring ReadTorqueText()           the torque box's text, at most 15 characters

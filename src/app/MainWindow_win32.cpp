@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/ControlCatalogue.h"
+#include "app/ControlIds.h"
 #include "app/TorqueField.h"
 #include "settings/ValueText.h"
 #include "ui/Theme.h"
@@ -31,32 +32,15 @@ void SetFont(HWND control, HFONT font) {
 // The App field that keeps a standard control's handle, by its id; null for controls App doesn't name.
 HWND* HandleField(App& app, int32_t id) {
     switch (id) {
-        case 1000: return &app.DeviceCombo;
-        case 1001: return &app.StartButton;
-        case 1002: return &app.StopButton;
-        case 1003: return &app.OutputModeCombo;
-        case 1008: return &app.ProfileCombo;
-        case 1009: return &app.NewButton;
-        case 1010: return &app.SaveButton;
-        case 1123: return &app.ViewLogButton;
-        case 1124: return &app.RecordButton;
-        case 1125: return &app.StopRecButton;
-        case 1126: return &app.AnalyzerButton;
-        case 1127: return &app.UpdateButton;
-        case 1130: return &app.DonateButton;
-        case 1131: return &app.TorqueEdit;
-        default: return nullptr;
-    }
-}
-
-CheckboxRow** CheckboxField(App& app, int32_t id) {
-    switch (id) {
-        case 1004: return &app.CarSpecificCheck;
-        case 1005: return &app.ParkedCheck;
-        case 1006: return &app.StartMinimizedCheck;
-        case 1007: return &app.RunOnStartupCheck;
-        case 1011: return &app.SimucubeCheck;
-        case 1012: return &app.DebugLoggingCheck;
+        case kDeviceCombo: return &app.DeviceCombo;
+        case kStartButton: return &app.StartButton;
+        case kStopButton: return &app.StopButton;
+        case kOutputModeCombo: return &app.OutputModeCombo;
+        case kProfileCombo: return &app.ProfileCombo;
+        case kRecordButton: return &app.RecordButton;
+        case kStopRecButton: return &app.StopRecButton;
+        case kAnalyzerButton: return &app.AnalyzerButton;
+        case kTorqueEdit: return &app.TorqueEdit;
         default: return nullptr;
     }
 }
@@ -113,7 +97,7 @@ void App::CreateControls() {
             CreateSliderRow(entry.Id, text.c_str(), entry.Rect.X, entry.Rect.Y, entry.Minimum, entry.Maximum, value);
         } else if (entry.Kind == ControlKind::Checkbox) {
             CheckboxRow* row = CreateCheckboxRow(entry.Id, text.c_str(), entry.Rect.Y, settings.*entry.CheckField);
-            if (CheckboxRow** field = CheckboxField(*this, entry.Id)) *field = row;
+            if (entry.CheckField == &EngineSettings::UseCarSpecificSettings) CarSpecificCheck = row;
         } else {
             HWND control = CreateChild(*this, entry.Kind, entry.Id, text.c_str(), entry.Rect);
             SetFont(control, FontFor(*this, entry.Font));
