@@ -75,7 +75,7 @@ void App::StartEngine() {
 // The recording ends first, then the engine thread, which gives the simulator its force back and releases
 // the wheel on its way out.
 void App::StopEngine() {
-    if (Engine.recorder.IsActive()) StopRecording();
+    if (Engine.IsRecording()) StopRecording();
     Engine.Stop();
     ShowRunningButtons(*this, false);
     SetStatusTexts(L"iRacing disconnected", L"Not on track", L"Car: generic");
@@ -86,7 +86,7 @@ void App::StopEngine() {
 }
 
 void App::StartRecording() {
-    if (!Engine.running.load()) {
+    if (!Engine.IsRunning()) {
         AppendLog(L"Start the FFB engine before recording telemetry.");
         return;
     }
@@ -109,10 +109,9 @@ void App::StartRecording() {
 }
 
 void App::StopRecording() {
-    if (!Engine.recorder.IsActive()) return;
-    const uint32_t dropped = Engine.recorder.DroppedSamples();
-    Engine.recorder.Stop();
-    EnableWindow(RecordButton, Engine.running.load());
+    if (!Engine.IsRecording()) return;
+    const uint32_t dropped = Engine.EndRecording();
+    EnableWindow(RecordButton, Engine.IsRunning());
     EnableWindow(StopRecButton, FALSE);
     EnableWindow(AnalyzerButton, TRUE);
     SetWindowTextW(RecordButton, L"Record");

@@ -55,7 +55,7 @@ public:
     void RunPass(IrsdkClient& client, WindowHandle window, const DeviceGuid& device) {
         MirrorFailures();
         if (!client.IsOpen() && !client.Open()) {
-            NoSimulator();
+            LoseSimulator();
             return;
         }
         if (!FollowConnection(client, window, device)) return;
@@ -63,13 +63,14 @@ public:
         const link::WaitResult waited = link::WaitForEvent(client.DataValidEvent(), kEventWaitMilliseconds);
         const int64_t t0 = Platform::Now();
         if (waited == link::WaitResult::Failed) {
-            WaitFailure(client);
+            FailWait(client);
             return;
         }
         ProcessFrame(client, t0);
     }
 
-    // From the read on: skip a repeat, follow the track, and run the tick on a new frame.
+    // From the read on: skip a repeat, follow the track, and run the tick on a new frame. An offline run
+    // drives the loop from here, frame by frame.
     void ProcessFrame(IrsdkClient& client, int64_t t0) {
         if (!client.ReadFrame(frame) || frame.tickCount == lastTick) {
             PublishIdentity(frame.isOnTrack != 0);
@@ -80,63 +81,46 @@ public:
         lastFrameTime = t0;
         stalled = false;
         if (frame.isOnTrack == 0) {
-            EndStint();
-            SilenceWheel();
-            ResetTickState();
-            PublishIdentity(false);
+            LeaveTrack();
             return;
         }
         if (!trackActive) {
-            ResetTickState();
-            engine.clipSamples = engine.clipOver = engine.outSamples = engine.outNonZero = engine.outPeak = 0;
+            carried = TickState{};
+            engine.BeginStint();
             trackActive = true;
         }
         Tick(t0);
     }
 
-    // On the thread's way out: the stint's reports, a silent and closed wheel, the simulator's own force
-    // back, and a status as a fresh start would leave it.
+    // A run without a simulator to connect to (the replay, tests) takes the session as given, connected.
+    void AssumeSession(const SessionIdentity& session) {
+        connected = true;
+        identity = session;
+        carRowMemo.valid = false;
+    }
+
+    // Finishing, the last of the ways out below.
     void Finish(IrsdkClient& client) {
         EndStint();
         SilenceWheel();
-        if (wheelOpen) wheel.Close();
-        wheelOpen = false;
+        CloseWheel();
         RestoreNativeForce();
         client.Close();
         engine.UpdateStatus(false, false, L"generic", L"unknown", 0, true);
     }
 
-    void ResetTickState() {
-        previousFrame = TelemetryFrame{};
-        std::fill(std::begin(correctionRamp), std::end(correctionRamp), 0.0f);
-        lastBase = lastResistance = lastTexture = 0.0f;
-        absPhase = 0.0f;
-    }
-
-    // Locals of the thread.
-    TelemetryFrame frame;
-    TelemetryFrame previousFrame;
-    bool nativeFfbSuppressed = false;
-    bool wheelOpen = false;
-    bool trackActive = false;
-    bool connected = false;
-    int32_t lastTick = -1;
-    int32_t lastSessionInfoUpdate = -1;
-    std::wstring carPath = L"generic";  // clear carRowMemo.valid with each change
-    CarRowMemo carRowMemo;
-    std::wstring driverName = L"unknown";
-    int32_t driverUserId = 0;
-    bool driverNameKnown = true;
-    uint32_t lastFailureCount = 0;
-    int64_t lastFrameTime = 0;  // t0 of the pass that read the last new frame
-    bool stalled = false;       // the force was released for want of frames, and none has come since
-    float correctionRamp[kMaxSubSamples] = {};
-    float lastBase = 0.0f;
-    float lastResistance = 0.0f;
-    float lastTexture = 0.0f;
-    float absPhase = 0.0f;
-
 private:
+    // The pipeline's state carried from tick to tick; every stint, and every way out but finishing, starts
+    // it clean.
+    struct TickState {
+        TelemetryFrame previousFrame;
+        float correctionRamp[kMaxSubSamples] = {};
+        float lastBase = 0.0f;
+        float lastResistance = 0.0f;
+        float lastTexture = 0.0f;
+        float absPhase = 0.0f;
+    };
+
     void MirrorFailures() {
         const uint32_t count = wheel.errorCount.load();
         if (count == lastFailureCount) return;
@@ -169,67 +153,34 @@ private:
     void FollowSessionInfo(const IrsdkClient& client) {
         const int32_t update = client.HasHeader() ? client.SessionInfoUpdate() : -1;
         if (update == lastSessionInfoUpdate) return;
-        SessionIdentity identity;
+        SessionIdentity scanned;
         if (client.HasHeader() && client.SessionInfoLen() > 0 && client.CopySessionInfo(sessionText) &&
-            ScanSessionInfo(sessionText.data(), sessionText.size(), identity)) {
-            carPath = identity.carPath;
-            carRowMemo.valid = false;
-            driverName = identity.driverName;
-            driverUserId = identity.driverUserId;
-            driverNameKnown = identity.driverNameKnown;
+            ScanSessionInfo(sessionText.data(), sessionText.size(), scanned)) {
+            identity = scanned;
         } else {
-            ForgetIdentity();
+            identity = SessionIdentity{};
         }
+        carRowMemo.valid = false;
         lastSessionInfoUpdate = update;
     }
 
-    void ForgetIdentity() {
-        carPath = L"generic";
-        carRowMemo.valid = false;
-        driverName = L"unknown";
-        driverUserId = 0;
-        driverNameKnown = true;
-    }
-
     void PublishIdentity(bool onTrack) {
-        engine.UpdateStatus(connected, onTrack, carPath, driverName, driverUserId, driverNameKnown);
+        engine.UpdateStatus(connected, onTrack, identity.carPath, identity.driverName, identity.driverUserId,
+                            identity.driverNameKnown);
     }
 
-    void NoSimulator() {
+    // The ways out, in one place. What each leaves behind:
+    //                         stint reports  wheel               simulator's force  tick state  identity
+    //   leaving the track     published      silenced            still suppressed   clean       kept
+    //   a stall on track      kept open      silenced            still suppressed   clean       kept
+    //   losing the simulator  published      closed, silenced    forgotten          clean       forgotten
+    //   a failed wait         kept open      closed              given back         clean       kept
+    //   finishing             published      silenced, closed    given back         as it was   generic
+    void LeaveTrack() {
         EndStint();
-        if (wheelOpen) wheel.Close();
-        wheelOpen = false;
         SilenceWheel();
-        nativeFfbSuppressed = false;  // nobody is there to hear a restore
-        ResetTickState();
-        lastSessionInfoUpdate = -1;
-        ForgetIdentity();
-        connected = false;
-        PublishIdentity(false);  // disconnected: the track count stays, the clipping percent goes to 0
-        Platform::SleepMilliseconds(kRetrySleepMilliseconds);
-    }
-
-    void WaitFailure(IrsdkClient& client) {
-        RestoreNativeForce();
-        if (wheelOpen) wheel.Close();
-        wheelOpen = false;
-        ResetTickState();
-        client.Close();
-    }
-
-    void RestoreNativeForce() {
-        if (!nativeFfbSuppressed) return;
-        BroadcastMaxForce(kRestoreMaxForce);
-        nativeFfbSuppressed = false;
-    }
-
-    // Publishes the statistics of a stint on track, if one is open, and closes it.
-    void EndStint() {
-        if (trackActive) {
-            engine.ReportClipping();
-            engine.ReportOutput();
-        }
-        trackActive = false;
+        carried = TickState{};
+        PublishIdentity(false);
     }
 
     // A simulator that hangs on track with its status bit set would have the wheel hold the last force for
@@ -239,8 +190,49 @@ private:
         if (!trackActive || stalled || t0 - lastFrameTime < kStallNanoseconds) return;
         stalled = true;
         SilenceWheel();
-        ResetTickState();
+        carried = TickState{};
         engine.ReportStall();
+    }
+
+    void LoseSimulator() {
+        EndStint();
+        CloseWheel();
+        SilenceWheel();
+        nativeFfbSuppressed = false;  // nobody is there to hear a restore
+        carried = TickState{};
+        lastSessionInfoUpdate = -1;
+        identity = SessionIdentity{};
+        carRowMemo.valid = false;
+        connected = false;
+        PublishIdentity(false);  // disconnected: the track count stays, the clipping percent goes to 0
+        Platform::SleepMilliseconds(kRetrySleepMilliseconds);
+    }
+
+    void FailWait(IrsdkClient& client) {
+        RestoreNativeForce();
+        CloseWheel();
+        carried = TickState{};
+        client.Close();
+    }
+
+    void RestoreNativeForce() {
+        if (!nativeFfbSuppressed) return;
+        BroadcastMaxForce(kRestoreMaxForce);
+        nativeFfbSuppressed = false;
+    }
+
+    void CloseWheel() {
+        if (wheelOpen) wheel.Close();
+        wheelOpen = false;
+    }
+
+    // Publishes the statistics of a stint on track, if one is open, and closes it.
+    void EndStint() {
+        if (trackActive) {
+            engine.ReportClipping();
+            engine.ReportOutput();
+        }
+        trackActive = false;
     }
 
     void SilenceWheel() {
@@ -263,7 +255,7 @@ private:
     void Tick(int64_t t0) {
         PublishIdentity(true);
         const EngineSettings settings = engine.CopySettings();
-        const CarRow row = engine.ResolveCarRow(carPath, settings.UseCarSpecificSettings, carRowMemo);
+        const CarRow row = engine.ResolveCarRow(identity.carPath, settings.UseCarSpecificSettings, carRowMemo);
         wheel.outputEnabled.exchange(true);
 
         const SteeringLockResult lock = ComputeSteeringLock(frame, settings);
@@ -271,7 +263,7 @@ private:
         wheel.lockDamping.exchange(lock.lockDamping);
         if (lock.pastLock) {
             StoreForce(lock.stopForce, -1);
-            previousFrame = frame;
+            carried.previousFrame = frame;
             return;
         }
 
@@ -285,32 +277,32 @@ private:
         float vibration[kMaxOutputsPerTick] = {};
         const bool interpolate = settings.Mode == 1 && n > 1;
         const int m = interpolate ? 2 * n : n;
-        FillAbsVibration(frame, settings, interpolate, m, absPhase, vibration);
-        FillCorrectionRamp(correctionRamp, grip.oversteerTorque, correction);
+        FillAbsVibration(frame, settings, interpolate, m, carried.absPhase, vibration);
+        FillCorrectionRamp(carried.correctionRamp, grip.oversteerTorque, correction);
         for (int i = 0; i < n; ++i) {
             base[i] = BaseTorque(frame, grip, i);
-            texture[i] = SubSampleTexture(frame, previousFrame, i, settings);
+            texture[i] = SubSampleTexture(frame, carried.previousFrame, i, settings);
         }
-        RecordTick(engine.recorder,
-                   TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings},
-                   &Platform::Now);
+        engine.RecordTick(
+            TickSignals{frame, grip, base, texture, correction, vibration, n, interpolate, crashGain, settings},
+            &Platform::Now);
 
         if (interpolate) {
             InterpolatedBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);
         } else {
             TelemetryBurst(t0, settings, grip, base, texture, correction, vibration, n, crashGain, parked);
         }
-        lastBase = base[n - 1];
-        lastTexture = texture[n - 1];
-        lastResistance = grip.resistanceTorque;
-        previousFrame = frame;
+        carried.lastBase = base[n - 1];
+        carried.lastTexture = texture[n - 1];
+        carried.lastResistance = grip.resistanceTorque;
+        carried.previousFrame = frame;
     }
 
     // Sub-sample k goes out 2760 × k µs after t0; no wait follows the last one.
     void TelemetryBurst(int64_t t0, const EngineSettings& settings, const GripResult& grip, const float* base,
                         const float* texture, const float* correction, const float* vibration, int n,
                         float crashGain, bool parked) {
-        for (int i = 0; i + 1 < n && !engine.stopRequested.load(); ++i) {
+        for (int i = 0; i + 1 < n && !engine.StopRequested(); ++i) {
             const float f = MixForce(settings, base[i], grip.resistanceTorque, texture[i], vibration[i] + correction[i]);
             EmitForce(f * crashGain, parked, settings, i);
             WaitUntilOffset(t0, (i + 1) * kSubSampleSpacingMicroseconds);
@@ -324,12 +316,15 @@ private:
     void InterpolatedBurst(int64_t t0, const EngineSettings& settings, const GripResult& grip, const float* base,
                            const float* texture, const float* correction, const float* vibration, int n,
                            float crashGain, bool parked) {
+        const float lastBase = carried.lastBase;
+        const float lastResistance = carried.lastResistance;
+        const float lastTexture = carried.lastTexture;
         const float first = MixForce(settings, (base[0] - lastBase) * 0.5f + lastBase,
                                      (grip.resistanceTorque - lastResistance) * 0.5f + lastResistance,
                                      (texture[0] - lastTexture) * 0.5f + lastTexture, vibration[0] + correction[0]);
         EmitForce(first * crashGain, parked, settings, 0);
         const int steps = 2 * (n - 1);
-        for (int j = 0; j < steps && !engine.stopRequested.load(); ++j) {
+        for (int j = 0; j < steps && !engine.StopRequested(); ++j) {
             const int k = j / 2;
             float b = base[k];
             float t = texture[k];
@@ -353,14 +348,27 @@ private:
 
     FfbEngine& engine;
     Wheel& wheel;
-    Pacer pacer;              // learns how late this thread's sleeps wake
-    std::string sessionText;  // private copy of the session-info text; reused between scans
+    Pacer pacer;                // learns how late this thread's sleeps wake
+    std::string sessionText;    // private copy of the session-info text; reused between scans
+    TelemetryFrame frame;       // the last frame read; kept when a read fails
+    TickState carried;
+    SessionIdentity identity;   // the session the frames belong to
+    CarRowMemo carRowMemo;      // cleared with each change of identity
+    int32_t lastSessionInfoUpdate = -1;
+    int32_t lastTick = -1;
+    uint32_t lastFailureCount = 0;
+    int64_t lastFrameTime = 0;  // t0 of the pass that read the last new frame
+    bool connected = false;
+    bool nativeFfbSuppressed = false;
+    bool wheelOpen = false;
+    bool trackActive = false;
+    bool stalled = false;       // the force was released for want of frames, and none has come since
 };
 
 // The engine thread's function: start, passes until a stop is asked for, end.
 template <class Platform>
 void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) {
-    engine.running.store(true);
+    engine.MarkRunning(true);
     SetCurrentThreadPriorityHighest();
     engine.UpdateStatus(false, false, L"generic", L"unknown", 0, true);
     BeginSystemTimerPeriod();
@@ -368,11 +376,11 @@ void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) 
         IrsdkClient client;
         typename Platform::Wheel wheel;
         EngineLoop<Platform> loop(engine, wheel);
-        while (!engine.stopRequested.load()) loop.RunPass(client, window, device);
+        while (!engine.StopRequested()) loop.RunPass(client, window, device);
         loop.Finish(client);
     }
     EndSystemTimerPeriod();
-    engine.running.store(false);
+    engine.MarkRunning(false);
 }
 
 template <class Platform>
@@ -380,7 +388,7 @@ void FfbEngine::StartWith(const EngineSettings& current, WindowHandle window, De
     Stop();
     PublishSettings(current);
     stopRequested.store(false);
-    // Without a thread the engine stays stopped: `running` never rises and the status stays as it is.
+    // Without a thread the engine stays stopped: it never runs and the status stays as it is.
     try {
         thread = std::thread(RunEngineThread<Platform>, std::ref(*this), window, device);
     } catch (const std::system_error&) {

@@ -72,6 +72,20 @@ EngineStatus FfbEngine::CopyStatus() {
     return copy;
 }
 
+bool FfbEngine::RecordTo(const std::wstring& path, const RecordingHeader& header, int64_t startTime) {
+    return recorder.Start(path, header, startTime);
+}
+
+uint32_t FfbEngine::EndRecording() {
+    const uint32_t dropped = recorder.DroppedSamples();
+    recorder.Stop();
+    return dropped;
+}
+
+void FfbEngine::RecordTick(const TickSignals& tick, int64_t (*steadyNow)()) { veltor::RecordTick(recorder, tick, steadyNow); }
+
+void FfbEngine::BeginStint() { clipSamples = clipOver = outSamples = outNonZero = outPeak = 0; }
+
 void FfbEngine::Stop() {
     recorder.Stop();
     stopRequested.store(true);

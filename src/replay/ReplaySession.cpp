@@ -22,7 +22,7 @@ bool StartRecording(FfbEngine& engine, const ReplayOptions& options, const Sessi
     const CarRow row = engine.ResolveCarRow(identity.carPath, settings.UseCarSpecificSettings);
     const RecordingHeader header = MakeRecordingHeader(identity.carPath, identity.driverName, options.profileName,
                                                        settings, row, WallClockMilliseconds());
-    if (engine.recorder.Start(WidenUtf8(options.recordPath), header, 0)) return true;
+    if (engine.RecordTo(WidenUtf8(options.recordPath), header, 0)) return true;
     error = "cannot write recording " + options.recordPath;
     return false;
 }
@@ -64,11 +64,7 @@ bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, Ib
     ReplayPlatform::rows = &result.rows;
     ReplayWheel wheel;
     EngineLoop<ReplayPlatform> loop(engine, wheel);
-    loop.connected = true;
-    loop.carPath = identity.carPath;
-    loop.driverName = identity.driverName;
-    loop.driverUserId = identity.driverUserId;
-    loop.driverNameKnown = identity.driverNameKnown;
+    loop.AssumeSession(identity);
     for (int32_t i = 0; i < image.recordCount; ++i) {
         SelectRecord(image, i);
         ReplayPlatform::virtualNow = static_cast<int64_t>(i) * kRecordSpacingNanoseconds;
@@ -79,8 +75,7 @@ bool RunReplay(const ReplayOptions& options, const SessionIdentity& identity, Ib
         }
     }
     ReplayPlatform::rows = nullptr;
-    engine.recorder.Stop();
-    result.droppedSamples = engine.recorder.DroppedSamples();
+    result.droppedSamples = engine.EndRecording();
     return true;
 }
 

@@ -122,6 +122,20 @@ public:
         }
     }
 
+    // The seam with the engine: each read or written whole, without a lock.
+    std::atomic<int32_t> commandedForce{0};   // engine writes; output thread reads, zeroes it when output goes off
+    std::atomic<int32_t> dampingPercent{0};   // engine writes; output thread reads, zeroes it when output goes off
+    std::atomic<bool> lockDamping{false};     // engine writes; output thread reads, clears it when output goes off
+    std::atomic<bool> outputEnabled{false};   // engine writes; output thread reads
+    std::atomic<bool> stopRequested{false};   // Open and Close write; output thread reads
+    std::atomic<int32_t> lastError{0};        // output thread writes (Open resets); engine reads
+    std::atomic<uint32_t> errorCount{0};      // output thread writes (Open resets); engine reads
+
+    // The seams, for tests and benchmarks that play the device or step the clock.
+    Device& PlatformDevice() { return device; }
+    Clock& PlatformClock() { return clock; }
+
+private:
     // Output thread. The effect at magnitude 0, created but not started.
     bool CreateConstantForceEffect() { return !Failed(device.CreateConstantForceEffect()); }
 
@@ -192,16 +206,7 @@ public:
         effectStarted = true;
     }
 
-    // The seam with the engine: each read or written whole, without a lock.
-    std::atomic<int32_t> commandedForce{0};   // engine writes; output thread reads, zeroes it when output goes off
-    std::atomic<int32_t> dampingPercent{0};   // engine writes; output thread reads, zeroes it when output goes off
-    std::atomic<bool> lockDamping{false};     // engine writes; output thread reads, clears it when output goes off
-    std::atomic<bool> outputEnabled{false};   // engine writes; output thread reads
-    std::atomic<bool> stopRequested{false};   // Open and Close write; output thread reads
-    std::atomic<int32_t> lastError{0};        // output thread writes (Open resets); engine reads
-    std::atomic<uint32_t> errorCount{0};      // output thread writes (Open resets); engine reads
-
-    // Engine thread in Open and Close, the output thread in between; tests reach them directly.
+    // Engine thread in Open and Close, the output thread in between.
     Device device;
     Clock clock;
 
@@ -221,7 +226,6 @@ public:
     int32_t lastPosition = 0;       // lX of the last reading
     int64_t lastPositionTime = 0;   // steady-clock ns of that reading; 0 means none
 
-private:
     void ResetForOpen() {
         stopRequested.store(false);
         commandedForce.store(0);

@@ -46,7 +46,7 @@ TEST(EngineLoopBurst, SubSamplesBecomeOutputsAtFixedOffsetsFromTheFrame) {
         SteppedSleeps::Reset();
         SteppedSleeps::lateness[0] = SteppedSleeps::lateness[1] = c.lateness * 1000;
         auto harness = std::make_unique<TickHarness>(c.variables);
-        harness->engine.settings.Mode = c.mode;
+        harness->settings.Mode = c.mode;
         SteppedPlatform::now = 5 * kMs;
         harness->Run(OnTrackFrame({4.0f, 8.0f, 12.0f, 16.0f, 20.0f, 24.0f}));
         EXPECT_EQ(StoredValues(), c.first);
@@ -94,11 +94,11 @@ struct KeptWheel : WheelOutput {
     ~KeptWheel() {
         Close();
         current.store(nullptr);
-        sent = device.PlatformObjects().SentMagnitudes();
+        sent = PlatformDevice().PlatformObjects().SentMagnitudes();
     }
     static uint64_t SentCount() {
         KeptWheel* wheel = current.load();
-        return wheel != nullptr ? wheel->device.PlatformObjects().sentCount.load() : 0;
+        return wheel != nullptr ? wheel->PlatformDevice().PlatformObjects().sentCount.load() : 0;
     }
     static inline std::atomic<KeptWheel*> current{nullptr};
     static inline std::vector<int32_t> sent;

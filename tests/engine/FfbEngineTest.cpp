@@ -17,12 +17,12 @@ namespace {
 // radian of steering beyond what 9 m/s² of lateral acceleration over its divisor and 10 degrees explain.
 TEST(FfbEngine_ResolveCarRow, EachTickTakesTheRowOfItsCarAndTheOverridesPublishedLast) {
     auto harness = std::make_unique<test::TickHarness>();
-    harness->loop.carPath = L"testcar";
+    harness->loop.AssumeSession(SessionIdentity{L"testcar"});
     TelemetryFrame frame = test::SteadyFrame(0.0f, 20.0f);
     frame.steeringWheelAngle = 0.5f;
     frame.latAccel = 9.0f;
     const auto lastStore = [&](bool carSpecific) {
-        harness->engine.settings.UseCarSpecificSettings = carSpecific;
+        harness->settings.UseCarSpecificSettings = carSpecific;
         harness->Run(frame);
         return test::SteppedPlatform::stores.back().value;
     };
@@ -46,16 +46,16 @@ TEST(BeginRecording, StartsOnlyOnTrackWithTheHeaderOfTheStatusAndCarRow) {
         bool running, connected, onTrack;
     } refused[] = {{false, true, true}, {true, false, true}, {true, true, false}};
     for (const auto& c : refused) {
-        engine->running.store(c.running);
+        engine->MarkRunning(c.running);
         engine->UpdateStatus(c.connected, c.onTrack, L"mercedesamggt4", L"Sample Driver GT4", 100064, true);
         EXPECT_FALSE(engine->BeginRecording(path.wstring(), L"Club"));
         EXPECT_FALSE(std::filesystem::exists(path));
     }
-    engine->running.store(true);
+    engine->MarkRunning(true);
     engine->UpdateStatus(true, true, L"mercedesamggt4", L"Sample Driver GT4", 100064, true);
     ASSERT_TRUE(engine->BeginRecording(path.wstring(), L"Club"));
-    engine->recorder.Stop();
-    engine->running.store(false);
+    engine->EndRecording();
+    engine->MarkRunning(false);
 
     RecordingHeader h;
     std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(&h), sizeof h);

@@ -51,21 +51,24 @@ public:
         : layout(std::move(variables), 1, 256), block(layout.BlockSize()) {
         layout.WriteLayout(block.data());
         client.AttachBlock(block.data(), block.size());
-        loop.connected = true;
+        loop.AssumeSession(SessionIdentity{});
     }
 
-    // Publishes `frame` as a new tick (or the old tick again) and runs one pass from the read on.
+    // Publishes `frame` as a new tick (or the old tick again) and the settings, and runs one pass from the
+    // read on.
     void Run(const TelemetryFrame& frame, bool repeat = false) {
         layout.WriteFrame(layout.Buffer(block.data(), 0), frame);
         if (!repeat) ++tick;
         layout.SetTickCount(block.data(), 0, tick);
         SteppedPlatform::stores.clear();
+        engine.PublishSettings(settings);
         loop.ProcessFrame(client, SteppedPlatform::now);
     }
 
     sim::TelemetryLayoutWriter layout;
     std::vector<uint8_t> block;
     IrsdkClient client;
+    EngineSettings settings;  // published before each pass
     FfbEngine engine;
     RecordingWheel wheel;
     EngineLoop<SteppedPlatform> loop{engine, wheel};

@@ -20,9 +20,9 @@ TEST(WheelOutputPass, AllocatesNothing) {
     wheel.commandedForce.store(3000);
     wheel.dampingPercent.store(30);
     wheel.outputEnabled.store(true);
-    const Objects& objects = wheel.device.PlatformObjects();
+    const Objects& objects = wheel.PlatformDevice().PlatformObjects();
     while (objects.sentCount.load() == 0) wheel.RunPass();  // the stepped clock runs through the warm-up
-    for (int i = 0; i < 1 << 17; ++i) wheel.device.SetParameters();
+    for (int i = 0; i < 1 << 17; ++i) wheel.PlatformDevice().SetParameters();
     const uint64_t sentBefore = objects.sentCount.load();
     const long before = test::AllocationCount();
     for (int pass = 0; pass < 200; ++pass) wheel.RunPass();

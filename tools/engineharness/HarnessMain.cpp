@@ -59,7 +59,7 @@ int main(int argc, char** argv) {
         lastLine = line;
     }
     engine.Stop();
-    std::printf("engine stopped, running %d\n", engine.running.load() ? 1 : 0);
+    std::printf("engine stopped, running %d\n", engine.IsRunning() ? 1 : 0);
     harness::DestroyHarnessWindow(window);
     return 0;
 }
