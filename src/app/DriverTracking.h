@@ -1,6 +1,7 @@
 #pragma once
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,22 +24,32 @@ std::array<int32_t, kCoefficientCount> CarSliderValues(const CarCoefficients& co
 // "Car: " and the car path, with " (unknown)" for a car that neither the catalogue nor an override knows.
 std::wstring CarLabelText(const ProfileStore& store, std::wstring_view normalizedCarPath);
 
+// What shows the tracked state and carries it on: the main window in the product. It holds no state of its
+// own here, so a test can record what reached the controls and the engine.
+template <class View>
+concept TrackingView = requires(View view, const EngineSettings& settings, const std::wstring& text) {
+    view.ShowSettings(settings);  // the live record on the controls, no notifications
+    view.ShowCarPanel(std::wstring_view{}, std::array<int32_t, kCoefficientCount>{});
+    view.ShowProfileList(std::vector<DriverProfile>{}, int32_t{});  // refill, select when not empty
+    view.ShowCarSpecificCheck(bool{});                                // no notification
+    view.ShowTorqueField(int32_t{});
+    { view.ReadProfileNameText() } -> std::same_as<std::wstring>;  // the profile box, 127 characters at most
+    { view.ReadTorqueText() } -> std::same_as<std::wstring>;       // the torque box, 15 characters at most
+    view.AppendLog(text);
+    view.PublishSettings(settings);
+    view.PublishOverrides(std::vector<CarCoefficients>{});
+};
+
 // Keeps the driver profiles, the car entries, the live record, the controls and the engine's copies in step,
-// on the GUI thread. The store holds the state; `View` is what shows it and carries it on, with:
-//   ShowSettings(const EngineSettings&)     the live record on the controls, no notifications
-//   ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& sliderValues)
-//   ShowProfileList(const std::vector<DriverProfile>&, int32_t selected)  refill, select when not empty
-//   ShowCarSpecificCheck(bool)              the car-settings checkbox, no notification
-//   ShowTorqueField(int32_t tenths)
-//   std::wstring ReadProfileNameText()      the profile box's text, at most 127 characters
-//   std::wstring ReadTorqueText()           the torque box's text, at most 15 characters
-//   AppendLog(const std::wstring&)
-//   PublishSettings(const EngineSettings&), PublishOverrides(const std::vector<CarCoefficients>&)
-// The view holds no state of its own here, so a test can record what reached the controls and the engine.
+// on the GUI thread. The store holds the state; the view shows it and carries it on.
+// The view is checked against TrackingView where the tracking is made, since the main window names its own
+// tracking while it is still being declared.
 template <class View>
 class DriverTracking {
 public:
-    DriverTracking(ProfileStore& store, View& view) : Store(store), Ui(view) {}
+    DriverTracking(ProfileStore& store, View& view)
+        requires TrackingView<View>
+        : Store(store), Ui(view) {}
 
     // Takes the car's settings into the live record, if car settings are on and a car has been seen.
     void ReloadCarSettings(bool announce) {

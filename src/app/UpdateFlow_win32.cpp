@@ -5,9 +5,9 @@ namespace veltor {
 namespace {
 
 // What the update flow needs of the running program.
-class UpdateDesk {
+class WindowDesk {
 public:
-    explicit UpdateDesk(App& app) : app(app) {}
+    explicit WindowDesk(App& app) : app(app) {}
 
     HttpResult Get(const std::wstring& host, const std::wstring& pathAndQuery) { return HttpsGet(host, pathAndQuery); }
     void Log(const std::wstring& text) { app.AppendLog(text); }
@@ -43,12 +43,12 @@ private:
 }  // namespace
 
 void App::NotifyUpdateAtStart() {
-    UpdateDesk desk(*this);
+    WindowDesk desk(*this);
     veltor::NotifyUpdateAtStart(desk);
 }
 
 void App::RunUpdate() {
-    UpdateDesk desk(*this);
+    WindowDesk desk(*this);
     veltor::RunUpdate(desk);
 }
 

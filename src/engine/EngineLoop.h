@@ -3,6 +3,7 @@
 // telemetry frame into a burst of outputs paced on the steady clock.
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -40,9 +41,28 @@ inline int32_t SuppressionValue(const EngineSettings& settings) {
     return static_cast<int32_t>(newtonMetres * kForceFixedPointOne);
 }
 
+// What the engine thread needs of time and of the wheel: EnginePlatform in the product; a virtual clock
+// and a wheel that records in tests and the offline replay.
+template <class Platform>
+concept EngineLoopPlatform = requires(typename Platform::Wheel& wheel, typename Platform::Pacer& pacer,
+                                      WindowHandle window, const DeviceGuid* device) {
+    { Platform::Now() } -> std::same_as<int64_t>;  // steady nanoseconds
+    Platform::SleepMilliseconds(int32_t{});
+    Platform::ForceStored(int32_t{}, int32_t{});   // told of each store: the output's index, -1 for the lock stop
+    pacer.WaitUntil(int64_t{});                    // holds the thread until a steady-clock deadline
+    { wheel.Open(window, device) } -> std::same_as<bool>;
+    wheel.Close();
+    wheel.commandedForce.exchange(int32_t{});      // the seam with the output thread, atomics all
+    wheel.dampingPercent.exchange(int32_t{});
+    wheel.lockDamping.exchange(bool{});
+    wheel.outputEnabled.exchange(bool{});
+    { wheel.errorCount.load() } -> std::convertible_to<uint32_t>;
+    { wheel.lastError.load() } -> std::convertible_to<int32_t>;
+};
+
 // The locals of the engine thread apart from the client and the wheel, and one pass of its loop.
 // Engine thread only: nothing here is touched by another thread.
-template <class Platform>
+template <EngineLoopPlatform Platform>
 class EngineLoop {
 public:
     using Wheel = typename Platform::Wheel;
@@ -366,7 +386,7 @@ private:
 };
 
 // The engine thread's function: start, passes until a stop is asked for, end.
-template <class Platform>
+template <EngineLoopPlatform Platform>
 void RunEngineThread(FfbEngine& engine, WindowHandle window, DeviceGuid device) {
     engine.MarkRunning(true);
     SetCurrentThreadPriorityHighest();

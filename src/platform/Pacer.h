@@ -1,4 +1,5 @@
 #pragma once
+#include <concepts>
 #include <cstdint>
 
 #include "platform/WakeMargin.h"
@@ -11,10 +12,19 @@ namespace veltor {
 // margin is used, and the others are tried now and then, each within its own margin, so a kind that
 // serves better later (or on another machine) is found. Allocates nothing. One thread only.
 //
-// `Sleeps` is the platform: kKinds, Offers(kind), Now() in nanoseconds, Sleep(kind, wake) returning the wake-up it asked
-// the system for (at most `wake`, or -1 when that kind cannot sleep so short), YieldToReady() and Pause().
-// Tests give it a stepped clock.
+// The sleeps a platform offers a pacer; tests give it a stepped clock.
 template <class Sleeps>
+concept PacerSleeps = requires(Sleeps sleeps, const Sleeps& constSleeps, int kind, int64_t wake) {
+    { Sleeps::kKinds } -> std::convertible_to<int>;           // kinds numbered from 0
+    { constSleeps.Offers(kind) } -> std::same_as<bool>;       // this system has that kind
+    { constSleeps.Now() } -> std::same_as<int64_t>;            // steady nanoseconds
+    { sleeps.Sleep(kind, wake) } -> std::same_as<int64_t>;     // the wake-up asked for, at most `wake`;
+                                                               // -1 when the kind cannot sleep so short
+    sleeps.YieldToReady();                                     // the core to another ready thread, if any
+    sleeps.Pause();                                            // the processor's pause hint
+};
+
+template <PacerSleeps Sleeps>
 class BasicPacer {
 public:
     // What a 2000 µs sleep left of a 2760 µs gap: the margin before anything is learned.

@@ -1,4 +1,5 @@
 #pragma once
+#include <concepts>
 #include <string>
 
 #include "update/RestartScript.h"
@@ -6,16 +7,29 @@
 
 namespace veltor {
 
-// The update flow's texts and stages, apart from the window that shows them. `Desk` is what the flow
-// needs of the program, all on the GUI thread:
-//   HttpResult Get(host, pathAndQuery)      one HTTPS GET (HttpsGet in the product)
-//   void Log(text)                          one line of the session log
-//   bool NoticeCanShow()                    the window is visible and not minimised
-//   void Inform(text), bool Ask(text)       the two message boxes; Ask is true only for "Yes"
-//   std::wstring AppPath(), AnalyzerPath()  the files the update replaces
-//   bool TempFolder(std::wstring&)          the temporary folder, ending in its separator
-//   bool StartRestartScript(newApp, app, newAnalyzer, analyzer, error)
-//   void Close()                            ends the program the normal way, after this call returns
+// What the update flow needs of the program, all on the GUI thread: at start, a notice of a newer version;
+// on the Update button, the whole update.
+template <class Desk>
+concept UpdateNoticeDesk = requires(Desk desk, const std::wstring& text) {
+    { desk.Get(text, text) } -> std::same_as<HttpResult>;  // one HTTPS GET (HttpsGet in the product)
+    desk.Log(text);                                         // one line of the session log
+    { desk.NoticeCanShow() } -> std::same_as<bool>;         // the window is visible and not minimised
+    desk.Inform(text);                                      // a message box
+};
+
+template <class Desk>
+concept UpdateDesk = requires(Desk desk, const std::wstring& text, std::wstring& out) {
+    { desk.Get(text, text) } -> std::same_as<HttpResult>;
+    desk.Log(text);
+    { desk.Ask(text) } -> std::same_as<bool>;             // a question box: true only for "Yes"
+    { desk.AppPath() } -> std::same_as<std::wstring>;     // the files the update replaces
+    { desk.AnalyzerPath() } -> std::same_as<std::wstring>;
+    { desk.TempFolder(out) } -> std::same_as<bool>;       // the temporary folder, ending in its separator
+    { desk.StartRestartScript(text, text, text, text, out) } -> std::same_as<bool>;
+    desk.Close();  // ends the program the normal way, after this call returns
+};
+
+// The update flow's texts and stages, apart from the window that shows them.
 
 inline std::wstring UpdateNoticeText(const UpdateManifest& manifest) {
     std::wstring text = L"A new version of Gripline is available: " + manifest.Version + L".\n\n";
@@ -31,7 +45,7 @@ inline std::wstring UpdateQuestionText(const UpdateManifest& manifest) {
 
 // At start: tells of a newer version in the log and, if the window can be seen, in a box. A check that
 // fails leaves no trace at all: a start without network must look like any other.
-template <typename Desk>
+template <UpdateNoticeDesk Desk>
 void NotifyUpdateAtStart(Desk& desk) {
     UpdateManifest manifest;
     bool available = false;
@@ -45,7 +59,7 @@ void NotifyUpdateAtStart(Desk& desk) {
 
 // The Update button: asks the server again, asks the user, downloads both files beside the restart
 // script and hands over to it. Every failure is one line, and the running program stays as it was.
-template <typename Desk>
+template <UpdateDesk Desk>
 void RunUpdate(Desk& desk) {
     const auto get = [&desk](const std::wstring& host, const std::wstring& path) { return desk.Get(host, path); };
     desk.Log(L"Checking for Commercial updates...");

@@ -1,6 +1,7 @@
 #pragma once
 #include <algorithm>
 #include <atomic>
+#include <concepts>
 #include <cstdint>
 #include <system_error>
 #include <thread>
@@ -35,12 +36,47 @@ constexpr int kSmoothedSlots = 4;
 // DirectInput results are HRESULTs: negative is a failure.
 inline bool Failed(int32_t result) { return result < 0; }
 
+// The platform's device: the DirectInput adapter in the product (see DirectInputDevice.h for what each
+// operation is there), the virtual wheel on hosts, a scripted fake in tests. Results are HRESULTs.
+template <class Device>
+concept WheelOutputDevice = requires(Device device, const Device& constDevice, WindowHandle window,
+                                     const DeviceGuid& guid, int32_t value, int32_t& position) {
+    { device.CreateDeviceEvent() } -> std::same_as<bool>;
+    { device.CreateInterface() } -> std::same_as<int32_t>;
+    { device.CreateDevice(guid) } -> std::same_as<int32_t>;
+    device.SetJoystickFormat();
+    device.SetCooperativeLevel(window);
+    device.DisableAutocenter();
+    device.SetEventNotification();
+    { device.Acquire() } -> std::same_as<int32_t>;
+    device.Unacquire();
+    { constDevice.HasEvent() } -> std::same_as<bool>;
+    { constDevice.HasDevice() } -> std::same_as<bool>;
+    { constDevice.HasEffect() } -> std::same_as<bool>;
+    { device.CreateConstantForceEffect() } -> std::same_as<int32_t>;
+    device.SetMagnitude(value);
+    { constDevice.Magnitude() } -> std::same_as<int32_t>;
+    { device.SetParameters() } -> std::same_as<int32_t>;
+    { device.Start() } -> std::same_as<int32_t>;
+    device.Stop();
+    { device.WaitForPositionEvent(uint32_t{}) } -> std::same_as<bool>;
+    { device.ReadPosition(position) } -> std::same_as<int32_t>;
+    device.ReleaseEffect();
+    device.ReleaseDevice();
+    device.ReleaseInterface();
+    device.CloseDeviceEvent();
+};
+
+// The output thread's clock: steady nanoseconds, and a sleep until a deadline; tests step it.
+template <class Clock>
+concept WheelClock = requires(Clock clock, const Clock& constClock, int64_t deadline) {
+    { constClock.Now() } -> std::same_as<int64_t>;
+    clock.SleepUntil(deadline);
+};
+
 // The wheel: opens the device, and from its own thread keeps one constant-force effect up to date with the
 // engine's force plus damping, ramp and slew limit, recovering from device failures.
-//
-// `Device` is the platform's device: the DirectInput adapter in the product, the virtual wheel on hosts,
-// a scripted fake in tests. `Clock` gives Now() in nanoseconds and SleepUntil(deadline); tests step it.
-template <class Device, class Clock>
+template <WheelOutputDevice Device, WheelClock Clock>
 class BasicWheelOutput {
 public:
     BasicWheelOutput() = default;
