@@ -18,6 +18,7 @@
 #include <thread>
 #include <vector>
 
+#include "SpinningLoad.h"
 #include "TelemetryLayoutWriter.h"
 #include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
@@ -268,7 +269,7 @@ int main(int argc, char** argv) {
     }
     if (loaded) {
         std::printf("loaded: %u threads spinning at normal priority\n", hardwareThreads);
-        Load load(hardwareThreads);
+        const bench::SpinningLoad load(hardwareThreads);
         const Floor floor = MeasureFloor(seconds);
         RunMode(0, seconds, floor);
         RunMode(1, seconds, floor);

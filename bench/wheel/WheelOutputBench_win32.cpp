@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "SimulatedDrive_win32.h"
+#include "SpinningLoad.h"
 #include "engine/EnginePlatform.h"
 #include "engine/EngineLoop.h"
 #include "wheel/WheelDevice.h"
@@ -292,7 +293,7 @@ int main(int argc, char** argv) {
     RunCondition(wheels[0].instanceGuid, mode, seconds);
     std::printf("loaded: %u threads spinning at normal priority\n", hardwareThreads);
     {
-        Load load(hardwareThreads);
+        const bench::SpinningLoad load(hardwareThreads);
         RunCondition(wheels[0].instanceGuid, mode, seconds);
     }
     return 0;

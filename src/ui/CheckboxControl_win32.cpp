@@ -61,12 +61,7 @@ LRESULT CheckboxRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM
             }
             return DefWindowProcW(control, message, wParam, lParam);
         case WM_MOUSEMOVE:
-            if (!Hover) {
-                Hover = true;
-                TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, control, 0};
-                TrackMouseEvent(&track);
-                Invalidate(*this);
-            }
+            if (BeginHover(control, Hover)) Invalidate(*this);
             return 0;
         // No capture: a release over the box toggles it wherever the press began, and a press that
         // leaves before its release only takes the focus.
@@ -81,14 +76,7 @@ LRESULT CheckboxRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM
 }
 
 bool RegisterCheckboxClass(HINSTANCE instance, HBRUSH background) {
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = WindowTrampoline<CheckboxRow>;
-    windowClass.hInstance = instance;
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_HAND);
-    windowClass.hbrBackground = background;
-    windowClass.lpszClassName = kCheckboxClass;
-    return RegisterClassExW(&windowClass) != 0;
+    return RegisterControlClass<CheckboxRow>(instance, background, kCheckboxClass);
 }
 
 void ToggleCheckbox(CheckboxRow& row) {

@@ -71,12 +71,7 @@ LRESULT SliderRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM l
         case WM_ERASEBKGND: return 1;
         case WM_KEYDOWN: return OnKeyDown(*this, control, wParam, lParam);
         case WM_MOUSEMOVE:
-            if (!Hover) {
-                Hover = true;
-                TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, control, 0};
-                TrackMouseEvent(&track);
-                Invalidate(*this);
-            }
+            if (BeginHover(control, Hover)) Invalidate(*this);
             if (Dragging) SetSliderFromPoint(*this, lParam);
             return 0;
         case WM_LBUTTONDOWN:
@@ -104,14 +99,7 @@ LRESULT SliderRow::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM l
 }
 
 bool RegisterSliderClass(HINSTANCE instance, HBRUSH background) {
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = WindowTrampoline<SliderRow>;
-    windowClass.hInstance = instance;
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_HAND);
-    windowClass.hbrBackground = background;
-    windowClass.lpszClassName = kSliderClass;
-    return RegisterClassExW(&windowClass) != 0;
+    return RegisterControlClass<SliderRow>(instance, background, kSliderClass);
 }
 
 void SetSliderValueClamped(SliderRow& row, int32_t newValue) {

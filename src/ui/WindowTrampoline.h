@@ -17,4 +17,26 @@ LRESULT CALLBACK WindowTrampoline(HWND window, UINT message, WPARAM wParam, LPAR
                             : DefWindowProcW(window, message, wParam, lParam);
 }
 
+// A class of custom controls whose rows take their messages through the trampoline; the hand cursor.
+template <class Row>
+bool RegisterControlClass(HINSTANCE instance, HBRUSH background, const wchar_t* name) {
+    WNDCLASSEXW windowClass{};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = WindowTrampoline<Row>;
+    windowClass.hInstance = instance;
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_HAND);
+    windowClass.hbrBackground = background;
+    windowClass.lpszClassName = name;
+    return RegisterClassExW(&windowClass) != 0;
+}
+
+// The mouse came over a control: asks for the leave message once, and says whether the hover just began.
+inline bool BeginHover(HWND control, bool& hover) {
+    if (hover) return false;
+    hover = true;
+    TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, control, 0};
+    TrackMouseEvent(&track);
+    return true;
+}
+
 }  // namespace veltor
