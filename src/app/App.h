@@ -8,12 +8,16 @@
 #include <vector>
 
 #include "app/DriverTracking.h"
+#include "app/ForceMeter.h"
+#include "app/WheelButtons.h"
+#include "app/WheelButtonsDialog.h"
 #include "engine/FfbEngine.h"
 #include "profiles/ProfileStore.h"
 #include "ui/CheckboxControl.h"
 #include "ui/GdiObject.h"
 #include "ui/GdiplusFlat.h"
 #include "ui/SliderControl.h"
+#include "wheel/GameControllers.h"
 #include "wheel/WheelDevice.h"
 
 namespace veltor {
@@ -24,6 +28,16 @@ inline constexpr ULONG_PTR kHandOffTag = 'Q' | 'K' << 8 | 'V' << 16 | static_cas
 inline constexpr wchar_t kDonationPageUrl[] = L"https://donate.gripline.invalid/";
 inline constexpr UINT_PTR kStatusTimerId = 1;
 inline constexpr UINT kStatusTimerMilliseconds = 250;
+inline constexpr UINT_PTR kMeterTimerId = 2;  // the force meter's repaint, while on track
+inline constexpr UINT kMeterTimerMilliseconds = 33;
+inline constexpr UINT_PTR kButtonTimerId = 3;  // the wheel buttons' reading, while any is bound or Bind listens
+inline constexpr UINT kButtonTimerMilliseconds = 50;
+// The system menu's "Wheel buttons..."; the system keeps the low four bits of such ids for itself.
+inline constexpr UINT kWheelButtonsCommand = 0x0110;
+
+// The force meter's place in the status strip of a client rectangle: right of the texts, ending 16 px before
+// the right edge, below the strip's rule.
+RECT ForceMeterArea(const RECT& client);
 
 // Everything the process owns, by value: the window and its resources, the settings, the wheels and the
 // engine. One automatic object of the entry routine; the GUI thread alone touches it, except for what
@@ -74,6 +88,23 @@ public:
     void LaunchAnalyzer();
     void ShowLogWindow();
     void LogClippingReport(const EngineStatus& status);
+
+    // The force meter in the status strip (CommandHandlers_win32.cpp, Painting_win32.cpp).
+    void OnMeterTimer();
+    void FollowMeterTimer(bool onTrack);
+    void PaintForceMeter(HDC dc, const RECT& area);
+
+    // Wheel buttons: the system menu's dialog, Bind and Clear, and the 20 Hz reading of the bound buttons
+    // (WheelButtonCommands_win32.cpp).
+    void AddWheelButtonsMenuItem();
+    void ShowWheelButtonsDialog();
+    void BeginButtonCapture(size_t action);
+    void CancelButtonCapture();
+    void ClearButtonBinding(size_t action);
+    std::wstring BindingText(size_t action);
+    void OnButtonTimer();
+    void RunButtonAction(size_t action);
+    void FollowButtonTimer();
 
     // The profile store's state on the controls and in the engine: the view of DriverTracking
     // (SettingsView_win32.cpp).
@@ -135,6 +166,14 @@ public:
     std::vector<CheckboxRow> CheckboxRows;
     std::vector<WheelDevice> Devices;  // an entry's position is its position in DeviceCombo
     FfbEngine Engine;
+    ForceMeter Meter;
+    bool MeterTimerOn = false;
+    GameControllers Controllers;
+    WheelButtons Buttons{Controllers};
+    ButtonCapture Capture;
+    size_t CaptureAction = 0;  // the action Bind listens for, while Capture is active
+    bool ButtonTimerOn = false;
+    WheelButtonsDialog ButtonsDialog;
 };
 
 }  // namespace veltor

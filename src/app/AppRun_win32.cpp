@@ -95,11 +95,13 @@ int App::AppRun(HINSTANCE instance, int showCommand, const std::wstring& adviceP
     Store.LoadCoefficients();
     Engine.PublishOverrides(Store.CoefficientOverrides);
     Store.LoadProfiles();
+    Store.LoadButtonBindings();
 
     if (!CreateMainWindow(showCommand)) return 1;
     if (!advicePath.empty()) ApplyAdviceFile(advicePath);
     ListWheels(*this);
     SetTimer(Window, kStatusTimerId, kStatusTimerMilliseconds, nullptr);
+    FollowButtonTimer();
     NotifyUpdateAtStart();
 
     MSG message{};

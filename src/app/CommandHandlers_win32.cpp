@@ -7,6 +7,7 @@
 #include "app/ControlCatalogue.h"
 #include "app/ControlIds.h"
 #include "app/StatusReport.h"
+#include "platform/SteadyClock.h"
 
 namespace veltor {
 namespace {
@@ -78,11 +79,32 @@ LRESULT App::OnCommand(WPARAM wParam, LPARAM lParam) {
 // reports that the log hasn't shown yet.
 void App::OnTimer() {
     const EngineStatus status = Engine.CopyStatus();
+    // After the copy: every output of a stint that the status says is over has been counted by now.
+    Meter.Take(Engine.TakeOutputFigures(), SteadyNowNanoseconds());
+    if (!status.onTrack) Meter.EndStint();
+    FollowMeterTimer(status.onTrack && Engine.IsRunning());
     Tracking().PollStatus(status);
     const std::wstring third = L"Driver: " + Tracking().DriverDisplayName(status) + L" | Car: " + status.carPath;
     SetStatusTexts(status.connected ? L"iRacing connected" : L"iRacing disconnected",
                    status.onTrack ? L"On track" : L"Not on track", third);
     LogNewStatusReports(*this, status, Store.CurrentSettings.DebugLogging);
+}
+
+// The meter's own repaint, 30 times a second while on track; the status step paints it otherwise.
+void App::OnMeterTimer() {
+    Meter.Take(Engine.TakeOutputFigures(), SteadyNowNanoseconds());
+    RECT client;
+    GetClientRect(Window, &client);
+    const RECT meter = ForceMeterArea(client);
+    InvalidateRect(Window, &meter, FALSE);
+}
+
+void App::FollowMeterTimer(bool onTrack) {
+    if (onTrack && !MeterTimerOn) MeterTimerOn = SetTimer(Window, kMeterTimerId, kMeterTimerMilliseconds, nullptr) != 0;
+    if (!onTrack && MeterTimerOn) {
+        KillTimer(Window, kMeterTimerId);
+        MeterTimerOn = false;
+    }
 }
 
 void App::OnSlider(HWND slider, int32_t value) {

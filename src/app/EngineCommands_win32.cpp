@@ -63,6 +63,7 @@ void App::StartEngine() {
     // The list, not the record, says the mode: it shows index 0 until the settings were put on the controls.
     Store.CurrentSettings.Mode = static_cast<int32_t>(SendMessageW(OutputModeCombo, CB_GETCURSEL, 0, 0));
     Engine.Start(Store.CurrentSettings, Window, Devices[static_cast<size_t>(device)].instanceGuid);
+    Meter.Reset();
     LastDeviceErrorStamp = 0;
     LastTrackStamp = 0;
     LastReportStamp = 0;
@@ -77,6 +78,8 @@ void App::StartEngine() {
 void App::StopEngine() {
     if (Engine.IsRecording()) StopRecording();
     Engine.Stop();
+    Meter.Reset();
+    FollowMeterTimer(false);
     ShowRunningButtons(*this, false);
     SetStatusTexts(L"iRacing disconnected", L"Not on track", L"Car: generic");
     LastDeviceErrorStamp = 0;

@@ -80,6 +80,8 @@ bool App::CreateMainWindow(int showCommand) {
         SendMessageW(Window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(AppIcon));
     }
     ApplyDarkCaption(Window);
+    AddWheelButtonsMenuItem();
+    Controllers.SetWindow(Window);
     SliderRows.reserve(kSliderRowCapacity);
     CheckboxRows.reserve(kCheckboxRowCapacity);
     CreateControls();

@@ -17,6 +17,15 @@ LRESULT OnCopyData(App& app, const COPYDATASTRUCT* data) {
     return 1;
 }
 
+// The status step runs on its own timer and on any timer that isn't the meter's or the wheel buttons'.
+void OnTimerMessage(App& app, WPARAM id) {
+    switch (id) {
+        case kMeterTimerId: app.OnMeterTimer(); return;
+        case kButtonTimerId: app.OnButtonTimer(); return;
+        default: app.OnTimer(); return;
+    }
+}
+
 LRESULT ColourField(const App& app, HDC dc) {
     SetTextColor(dc, kPrimaryTextColour);
     SetBkColor(dc, kFieldColour);
@@ -44,7 +53,11 @@ LRESULT App::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
         case WM_ERASEBKGND: PaintBackground(reinterpret_cast<HDC>(wParam)); return 1;
         case WM_COPYDATA: return OnCopyData(*this, reinterpret_cast<const COPYDATASTRUCT*>(lParam));
         case WM_COMMAND: return OnCommand(wParam, lParam);
-        case WM_TIMER: OnTimer(); return 0;
+        case WM_TIMER: OnTimerMessage(*this, wParam); return 0;
+        case WM_SYSCOMMAND:
+            if ((wParam & 0xFFF0) != kWheelButtonsCommand) return DefWindowProcW(window, message, wParam, lParam);
+            ShowWheelButtonsDialog();
+            return 0;
         case WM_CTLCOLOREDIT:
         case WM_CTLCOLORLISTBOX: return ColourField(*this, reinterpret_cast<HDC>(wParam));
         case WM_CTLCOLORBTN:
@@ -55,12 +68,16 @@ LRESULT App::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
     }
 }
 
-// The end of a run, in this order: the log window, a torque edit that never lost the focus, the engine, the
-// one save of the store, then GDI+ (the bitmap before the stream it reads, both before the shutdown) and the
+// The end of a run, in this order: the log window and the wheel buttons' window with the reading of the
+// buttons, a torque edit that never lost the focus, the engine, the one save of the store, then GDI+ (the bitmap before the stream it reads, both before the shutdown) and the
 // window's GDI objects.
 void App::Teardown() {
     if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
     LogWindow = nullptr;
+    ButtonsDialog.Close();
+    KillTimer(Window, kButtonTimerId);
+    ButtonTimerOn = false;
+    Controllers.CloseAll();
     Tracking().ApplyTorqueField();
     StopEngine();
     Tracking().SaveAll();

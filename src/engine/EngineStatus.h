@@ -27,4 +27,12 @@ struct EngineStatus {
     uint32_t telemetryStallCount = 0;
 };
 
+// What the wheel was handed since the GUI's last look, for the live meter: the largest magnitude in output
+// units, the outputs and those of them that clipped.
+struct OutputFigures {
+    int32_t peak = 0;
+    uint32_t outputs = 0;
+    uint32_t clipped = 0;
+};
+
 }  // namespace veltor

@@ -59,6 +59,8 @@ public:
     bool IsRecording() const { return recorder.IsActive(); }
     // Ends the recording, if one runs; returns the samples it had dropped for want of room by then.
     uint32_t EndRecording();
+    // The meter's figures since the last call, each taken and set to zero at once; no lock.
+    OutputFigures TakeOutputFigures();
 
     // Any thread.
     EngineSettings CopySettings();
@@ -90,6 +92,8 @@ public:
     void RecordTick(const TickSignals& tick, int64_t (*steadyNow)());
 
 private:
+    void CountForMeter(int32_t magnitude, bool clipped);
+
     EngineSettings settings;                 // GUI writes, engine reads; under settingsLock
     std::mutex settingsLock;                 // guards settings and overrides
     std::mutex statusLock;                   // guards status
@@ -104,6 +108,11 @@ private:
     int32_t outSamples = 0;
     int32_t outNonZero = 0;
     int32_t outPeak = 0;
+    // Engine adds, GUI takes and zeroes (TakeOutputFigures): the live meter's figures, apart from the status
+    // and its lock, so an output costs three relaxed atomic operations and never waits.
+    std::atomic<int32_t> meterPeak{0};
+    std::atomic<uint32_t> meterOutputs{0};
+    std::atomic<uint32_t> meterClipped{0};
     TelemetryRecorder recorder;  // GUI starts and stops it; the engine thread pushes through RecordTick
     std::thread thread;          // GUI thread; joinable from Start to Stop
 };

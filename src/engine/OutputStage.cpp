@@ -60,14 +60,32 @@ int32_t ShapeOutput(int32_t value, bool parked, const EngineSettings& settings) 
 // Clipping is measured before the parked reduction and the low-force curve, the output after them.
 int32_t FfbEngine::CountOutput(float force, bool parked, const EngineSettings& tickSettings) {
     const int32_t v = ToOutputUnits(force, tickSettings);
+    const bool clipped = v > kHandOverLimit || v < -kHandOverLimit;
     ++clipSamples;
-    if (v > kHandOverLimit || v < -kHandOverLimit) ++clipOver;
+    if (clipped) ++clipOver;
     const int32_t c = std::clamp(v, -kHandOverLimit, kHandOverLimit);
     const int32_t s = ShapeOutput(c, parked, tickSettings);
     ++outSamples;
     if (s != 0) ++outNonZero;
     outPeak = std::max(outPeak, s < 0 ? -s : s);
-    return std::clamp(s, -kHandOverLimit, kHandOverLimit);
+    const int32_t handed = std::clamp(s, -kHandOverLimit, kHandOverLimit);
+    CountForMeter(handed < 0 ? -handed : handed, clipped);
+    return handed;
+}
+
+// Adds rather than stores, since the GUI may zero a figure between two outputs and a plain store would undo
+// that; the peak rises by compare-exchange, which sees such a zero. No lock, no allocation.
+void FfbEngine::CountForMeter(int32_t magnitude, bool clipped) {
+    meterOutputs.fetch_add(1, std::memory_order_relaxed);
+    if (clipped) meterClipped.fetch_add(1, std::memory_order_relaxed);
+    int32_t peak = meterPeak.load(std::memory_order_relaxed);
+    while (magnitude > peak && !meterPeak.compare_exchange_weak(peak, magnitude, std::memory_order_relaxed)) {
+    }
+}
+
+OutputFigures FfbEngine::TakeOutputFigures() {
+    return {meterPeak.exchange(0, std::memory_order_relaxed), meterOutputs.exchange(0, std::memory_order_relaxed),
+            meterClipped.exchange(0, std::memory_order_relaxed)};
 }
 
 void FfbEngine::ReportClipping() {

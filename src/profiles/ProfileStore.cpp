@@ -14,6 +14,7 @@ namespace {
 // The platform reads a name into 128 characters and the Exists mark into 8.
 constexpr size_t kNameBufferChars = 128;
 constexpr size_t kExistsBufferChars = 8;
+constexpr size_t kBindingBufferChars = 64;  // a binding's text takes 42 characters at most
 
 bool IsIndexInto(int32_t index, size_t size) { return index >= 0 && static_cast<size_t>(index) < size; }
 
@@ -96,7 +97,22 @@ bool ProfileStore::SaveAll() {
     }
     WriteCarProfiles(writes);
     WriteCoefficients(writes);
+    WriteButtonBindings(writes);
     return Commit(writes);
+}
+
+void ProfileStore::LoadButtonBindings() {
+    const IniDocument& ini = File();
+    for (size_t i = 0; i < kButtonActionCount; ++i) {
+        Bindings[i] = ParseButtonBinding(ini.GetString(kButtonSection, kButtonActionRows[i].key, L"", kBindingBufferChars));
+    }
+}
+
+// An empty binding is written as an empty value, so the file shows every action that could be bound.
+void ProfileStore::WriteButtonBindings(IniDocument& ini) const {
+    for (size_t i = 0; i < kButtonActionCount; ++i) {
+        ini.SetString(kButtonSection, kButtonActionRows[i].key, ButtonBindingText(Bindings[i]));
+    }
 }
 
 int32_t ProfileStore::FindProfileByName(std::wstring_view name) const {

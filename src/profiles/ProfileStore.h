@@ -7,6 +7,7 @@
 
 #include "profiles/IniDocument.h"
 #include "profiles/IniFile.h"
+#include "settings/ButtonActions.h"
 #include "settings/CarCoefficients.h"
 #include "settings/EngineSettings.h"
 
@@ -46,11 +47,13 @@ public:
     EngineSettings CurrentSettings;
     std::wstring CurrentCarPath;
     CarCoefficients ActiveCoefficients = CarCoefficients::FromRow(L"generic", kUnmatchedCarRow);
+    ButtonBindings Bindings;  // the wheel buttons' actions, in the order of their rows
 
     const std::wstring& IniPath() const { return Path; }
 
     void LoadProfiles();
     void LoadCoefficients();
+    void LoadButtonBindings();
     // Everything, into the file at once. False when the file could not be replaced (read-only, locked, disk
     // full, or a file that exists but could not be read, now or at load); memory keeps it all and the next
     // save retries.
@@ -68,6 +71,7 @@ public:
     void PutCoefficients(const CarCoefficients& coefficients);
     bool IsKnownCar(std::wstring_view carPath) const;
     void WriteCoefficients(IniDocument& ini) const;
+    void WriteButtonBindings(IniDocument& ini) const;
 
     // The name stored for an iRacing user id, trimmed; empty for none or an id below 1.
     std::wstring LookUpDriverIdentity(int32_t userId);

@@ -13,6 +13,7 @@ inline constexpr uint32_t kPanelBorderColour = 0x362D27;
 inline constexpr uint32_t kPrimaryTextColour = 0xF6EEE8;  // also the caption text
 inline constexpr uint32_t kTaglineTextColour = 0xACA096;
 inline constexpr uint32_t kTrackTextColour = 0xDACCBE;
+inline constexpr uint32_t kMeterClipColour = 0x3C3CE6;    // the force meter's bar while outputs clip
 
 // The custom controls.
 inline constexpr uint32_t kSliderTrackColour = 0xE0D6CE;

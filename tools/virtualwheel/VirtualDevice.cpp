@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "ButtonSchedule.h"
 #include "CallLog.h"
 #include "VirtualEffect.h"
 
@@ -146,7 +147,7 @@ HRESULT VirtualDevice::Acquire() {
     HRESULT result = FaultNow(FaultKind::Acquire);
     {
         std::lock_guard guard(lock);
-        if (vanished) result = DIERR_UNPLUGGED;
+        if (vanished || (index == 0 && ControllerUnplugged(VirtualController::Wheel))) result = DIERR_UNPLUGGED;
         else if (result == 0 && !formatSet) result = DIERR_INVALIDPARAM;
         else if (result == 0 && acquired) result = S_FALSE;
         else if (result == 0) acquired = true;
@@ -177,11 +178,13 @@ HRESULT VirtualDevice::GetDeviceState(DWORD size, LPVOID data) {
         return fault;
     }
     std::lock_guard guard(lock);
+    if (index == 0 && ControllerUnplugged(VirtualController::Wheel)) return DIERR_INPUTLOST;
     if (!acquired) return DIERR_NOTACQUIRED;
     std::memset(data, 0, size);
     auto* state = static_cast<DIJOYSTATE*>(data);
     state->lX = model.AxisPosition();
     for (DWORD& pov : state->rgdwPOV) pov = 0xFFFFFFFF;
+    if (index == 0) FillButtons(VirtualController::Wheel, state->rgbButtons, size == sizeof(DIJOYSTATE2) ? 128 : 32);
     return DI_OK;
 }
 

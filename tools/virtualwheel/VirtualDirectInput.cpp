@@ -4,8 +4,10 @@
 #include <dinput.h>
 
 
+#include "ButtonSchedule.h"
 #include "CallLog.h"
 #include "ComObject.h"
+#include "VirtualButtonBox.h"
 #include "VirtualDevice.h"
 #include "WheelConfig.h"
 
@@ -22,6 +24,7 @@ public:
     HRESULT STDMETHODCALLTYPE CreateDevice(REFGUID guid, LPDIRECTINPUTDEVICE8W* device, LPUNKNOWN outer) override {
         if (device == nullptr) return E_POINTER;
         *device = nullptr;
+        if (guid == ButtonBoxGuid()) return CreateButtonBox(device, outer);
         const int index = WheelIndex(guid);
         const HRESULT result = index < 0 || outer != nullptr ? DIERR_DEVICENOTREG : DI_OK;
         LogCall("CreateDevice wheel=%d hr=0x%08lX", index, static_cast<unsigned long>(result));
@@ -37,6 +40,7 @@ public:
         const int count = wanted && !AnyWheelVanished() ? config.wheelCount : 0;
         LogCall("EnumDevices class=%lu flags=0x%lX wheels=%d", type, flags, count);
         for (int i = 0; i < count; ++i) {
+            if (i == 0 && ControllerUnplugged(VirtualController::Wheel)) continue;
             DIDEVICEINSTANCEW instance{};
             instance.dwSize = sizeof instance;
             instance.guidInstance = WheelInstanceGuid(i);
@@ -45,8 +49,9 @@ public:
             lstrcpynW(instance.tszInstanceName, WheelProductName(i), MAX_PATH);
             lstrcpynW(instance.tszProductName, WheelProductName(i), MAX_PATH);
             instance.guidFFDriver = WheelInstanceGuid(i);
-            if (callback(&instance, context) == DIENUM_STOP) break;
+            if (callback(&instance, context) == DIENUM_STOP) return DI_OK;
         }
+        ListButtonBox(type, flags, callback, context);
         return DI_OK;
     }
 
@@ -66,13 +71,34 @@ public:
     }
 
 private:
-    // The wheel with this instance GUID, or -1 (also once the wheels have vanished).
+    // The wheel with this instance GUID, or -1 (also once the wheels have vanished, or the first is unplugged).
     int WheelIndex(REFGUID guid) const {
         if (AnyWheelVanished()) return -1;
         for (int i = 0; i < config.wheelCount; ++i) {
-            if (guid == WheelInstanceGuid(i)) return i;
+            if (guid == WheelInstanceGuid(i)) return i == 0 && ControllerUnplugged(VirtualController::Wheel) ? -1 : i;
         }
         return -1;
+    }
+
+    static HRESULT CreateButtonBox(LPDIRECTINPUTDEVICE8W* device, LPUNKNOWN outer) {
+        const HRESULT result = ControllerUnplugged(VirtualController::Box) || outer != nullptr ? DIERR_DEVICENOTREG : DI_OK;
+        LogCall("CreateDevice box hr=0x%08lX", static_cast<unsigned long>(result));
+        if (result == DI_OK) *device = new VirtualButtonBox();
+        return result;
+    }
+
+    // The box is a game controller without force feedback, listed after the wheels while it is plugged in.
+    static void ListButtonBox(DWORD type, DWORD flags, LPDIENUMDEVICESCALLBACKW callback, LPVOID context) {
+        const bool wanted = type == DI8DEVCLASS_ALL || type == DI8DEVCLASS_GAMECTRL || type == kButtonBoxDeviceType;
+        if (!wanted || (flags & DIEDFL_FORCEFEEDBACK) != 0 || ControllerUnplugged(VirtualController::Box)) return;
+        DIDEVICEINSTANCEW instance{};
+        instance.dwSize = sizeof instance;
+        instance.guidInstance = ButtonBoxGuid();
+        instance.guidProduct = ButtonBoxGuid();
+        instance.dwDevType = kButtonBoxDeviceType;
+        lstrcpynW(instance.tszInstanceName, kButtonBoxName, MAX_PATH);
+        lstrcpynW(instance.tszProductName, kButtonBoxName, MAX_PATH);
+        callback(&instance, context);
     }
 
     const WheelConfig config;
