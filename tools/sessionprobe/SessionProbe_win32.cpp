@@ -9,6 +9,8 @@
 //   analyzer-apply          presses "Apply to Gripline"; exit code 3 when the analyzer proposes nothing
 //   analyzer-close          closes the analyzer's window
 //   wheel-summary FILE      what the virtual wheel's call log says the wheel was sent
+//   bind ID FILE PRESS      binds a wheel button through "Wheel buttons..." (WheelButtonsProbe.h)
+//   value ID                prints the value text of the slider with this id
 #include <windows.h>
 
 #include <cstdio>
@@ -20,6 +22,7 @@
 
 #include "ProgramWindow_win32.h"
 #include "SaveDialog_win32.h"
+#include "WheelButtonsProbe.h"
 #include "analyzer/AnalyzerLayout.h"
 
 namespace {
@@ -154,6 +157,11 @@ int main(int argc, char** argv) {
     if (command == "press" && argc > 2) return Press(window, std::atoi(argv[2]));
     if (command == "record" && argc > 2) return Record(window, Wide(argv[2]));
     if (command == "wait-log" && argc > 2) return WaitForLog(window, Wide(argv[2]), argc > 3 ? std::atof(argv[3]) : 60.0);
+    if (command == "bind" && argc > 4) return sessionprobe::BindWheelButton(window, std::atoi(argv[2]), Wide(argv[3]), argv[4]);
+    if (command == "value" && argc > 2) {
+        std::puts(Utf8(veltor::test::WindowText(GetWindow(GetDlgItem(window, std::atoi(argv[2])), GW_HWNDPREV))).c_str());
+        return 0;
+    }
     if (command == "log") {
         std::fputs(Utf8(LogText(window)).c_str(), stdout);
         return 0;
@@ -163,6 +171,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     std::fprintf(stderr, "usage: session_probe painted | press ID | record FILE | wait-log TEXT [SECONDS] | log |"
-                         " close | analyzer | analyzer-apply | analyzer-close | wheel-summary FILE\n");
+                         " close | analyzer | analyzer-apply | analyzer-close | wheel-summary FILE |"
+                         " bind ID FILE PRESS | value ID\n");
     return 2;
 }
