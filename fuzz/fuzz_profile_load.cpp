@@ -32,6 +32,7 @@ veltor::ProfileStore Loaded(const std::wstring& path) {
     veltor::ProfileStore store(path);
     store.LoadCoefficients();
     store.LoadProfiles();
+    store.LoadButtonBindings();
     return store;
 }
 
@@ -59,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     const ProfileStore reread = Loaded(path);
     if (reread.Profiles.size() != store.Profiles.size() || reread.SelectedProfile != store.SelectedProfile ||
-        reread.CoefficientOverrides.size() != store.CoefficientOverrides.size()) {
+        reread.CoefficientOverrides.size() != store.CoefficientOverrides.size() || reread.Bindings != store.Bindings) {
         __builtin_trap();
     }
     for (size_t i = 0; i < store.Profiles.size(); ++i) {

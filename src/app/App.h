@@ -32,8 +32,6 @@ inline constexpr UINT_PTR kMeterTimerId = 2;  // the force meter's repaint, whil
 inline constexpr UINT kMeterTimerMilliseconds = 33;
 inline constexpr UINT_PTR kButtonTimerId = 3;  // the wheel buttons' reading, while any is bound or Bind listens
 inline constexpr UINT kButtonTimerMilliseconds = 50;
-// The system menu's "Wheel buttons..."; the system keeps the low four bits of such ids for itself.
-inline constexpr UINT kWheelButtonsCommand = 0x0110;
 
 // The force meter's place in the status strip of a client rectangle: right of the texts, ending 16 px before
 // the right edge, below the strip's rule.

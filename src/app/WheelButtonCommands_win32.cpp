@@ -7,8 +7,6 @@
 namespace veltor {
 namespace {
 
-constexpr wchar_t kListeningText[] = L"Press a button on any game controller...";
-
 // A button does what the user's hand could do on the window now: nothing while a modal dialog of the window
 // (the save dialog, a message box) holds it disabled, nor on a disabled button.
 bool Usable(const App& app, HWND control) { return IsWindowEnabled(app.Window) && IsWindowEnabled(control); }

@@ -4,14 +4,12 @@
 #include <fstream>
 
 #include "ProgramWindow_win32.h"
+#include "app/WheelButtonsDialog.h"
+#include "settings/ButtonActions.h"
 
 namespace sessionprobe {
 
 namespace {
-
-constexpr UINT kWheelButtonsCommand = 0x0110;  // the system menu's "Wheel buttons..."
-constexpr int kBindingTextOffset = 1;          // a row's binding text has the id before its Bind button
-constexpr wchar_t kListening[] = L"Press a button on any game controller...";
 
 // After the wheel's first look at the new text, so that Bind has seen the button up before it goes down.
 void WritePress(const std::wstring& buttonFile, const std::string& press) {
@@ -22,7 +20,15 @@ void WritePress(const std::wstring& buttonFile, const std::string& press) {
 HWND WheelButtonsWindow(HWND owner) {
     DWORD processId = 0;
     GetWindowThreadProcessId(owner, &processId);
-    return veltor::test::FindProcessWindow(processId, L"VeltorWheelButtons");
+    return veltor::test::FindProcessWindow(processId, veltor::kWheelButtonsClass);
+}
+
+// The binding text of the row whose Bind button has this id; 0 for none.
+int BindingTextOf(int bindId) {
+    for (const veltor::ButtonActionRow& row : veltor::kButtonActionRows) {
+        if (row.bindButton == bindId) return row.bindingText;
+    }
+    return 0;
 }
 
 }  // namespace
@@ -30,17 +36,17 @@ HWND WheelButtonsWindow(HWND owner) {
 int BindWheelButton(HWND window, int bindId, const std::wstring& buttonFile, const std::string& press) {
     using veltor::test::WaitUntil;
     using veltor::test::WindowText;
-    PostMessageW(window, WM_SYSCOMMAND, kWheelButtonsCommand, 0);
+    PostMessageW(window, WM_SYSCOMMAND, veltor::kWheelButtonsCommand, 0);
     HWND dialog = nullptr;
     if (!WaitUntil([&] { return (dialog = WheelButtonsWindow(window)) != nullptr && IsWindowVisible(dialog); })) {
         std::fprintf(stderr, "the wheel buttons' window did not open\n");
         return 1;
     }
-    HWND text = GetDlgItem(dialog, bindId - kBindingTextOffset);
+    HWND text = GetDlgItem(dialog, BindingTextOf(bindId));
     PostMessageW(GetDlgItem(dialog, bindId), BM_CLICK, 0, 0);
-    const bool listening = WaitUntil([&] { return WindowText(text) == kListening; });
+    const bool listening = WaitUntil([&] { return WindowText(text) == veltor::kListeningText; });
     if (listening) WritePress(buttonFile, press);
-    const bool bound = listening && WaitUntil([&] { return WindowText(text) != kListening; });
+    const bool bound = listening && WaitUntil([&] { return WindowText(text) != veltor::kListeningText; });
     const std::wstring shown = WindowText(text);
     std::printf("%ls\n", shown.c_str());
     PostMessageW(dialog, WM_CLOSE, 0, 0);
