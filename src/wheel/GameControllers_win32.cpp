@@ -1,10 +1,4 @@
-#include <windows.h>
-#define DIRECTINPUT_VERSION 0x0800
-#include <dinput.h>
-
-#include <cstring>
-#include <cwchar>
-
+#include "wheel/DirectInputEnumeration.h"
 #include "wheel/GameControllers.h"
 
 namespace veltor {
@@ -17,17 +11,6 @@ GUID ToGuid(const DeviceGuid& guid) {
     GUID result;
     std::memcpy(&result, guid.bytes, sizeof result);
     return result;
-}
-
-
-BOOL CALLBACK AddController(LPCDIDEVICEINSTANCEW instance, LPVOID context) {
-    auto& controllers = *static_cast<std::vector<GameController>*>(context);
-    GameController controller;
-    static_assert(sizeof controller.instanceGuid.bytes == sizeof instance->guidInstance);
-    std::memcpy(controller.instanceGuid.bytes, &instance->guidInstance, sizeof controller.instanceGuid.bytes);
-    controller.productName.assign(instance->tszProductName, wcsnlen(instance->tszProductName, MAX_PATH));
-    controllers.push_back(controller);
-    return DIENUM_CONTINUE;
 }
 }  // namespace
 
@@ -94,7 +77,7 @@ void GameControllers::SetWindow(WindowHandle window) { objects->window = static_
 std::vector<GameController> GameControllers::List() {
     std::vector<GameController> controllers;
     if (objects->HaveInterface()) {
-        objects->directInput->EnumDevices(DI8DEVCLASS_GAMECTRL, AddController, &controllers, DIEDFL_ATTACHEDONLY);
+        objects->directInput->EnumDevices(DI8DEVCLASS_GAMECTRL, AppendDeviceInstance<GameController>, &controllers, DIEDFL_ATTACHEDONLY);
     }
     for (const GameController& controller : controllers) Remember(controller.instanceGuid, controller.productName);
     return controllers;

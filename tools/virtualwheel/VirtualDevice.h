@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "DeviceCalls.h"
 #include "ComObject.h"
 #include "WheelConfig.h"
 #include "wheel/VirtualWheelModel.h"
@@ -25,42 +26,23 @@ void PlugWheelsBackIn();
 
 // One virtual force-feedback wheel. Its rim turns on a thread of its own, every millisecond, under the
 // force that its effect plays and the scripted hand; a change of lX sets the device event.
-class VirtualDevice final : public ComObject<IDirectInputDevice8W, &IID_IDirectInputDevice8W> {
+class VirtualDevice final : public DeviceCalls {
 public:
     VirtualDevice(int index, const WheelConfig& config);
     ~VirtualDevice() override;
 
-    // IDirectInputDevice8W: the calls a force-feedback program makes; the others are not supported.
+    // IDirectInputDevice8W: the calls a force-feedback program makes; DeviceCalls answers the others.
     HRESULT STDMETHODCALLTYPE GetCapabilities(LPDIDEVCAPS caps) override;
-    HRESULT STDMETHODCALLTYPE EnumObjects(LPDIENUMDEVICEOBJECTSCALLBACKW, LPVOID, DWORD) override;
-    HRESULT STDMETHODCALLTYPE GetProperty(REFGUID, LPDIPROPHEADER) override;
     HRESULT STDMETHODCALLTYPE SetProperty(REFGUID property, LPCDIPROPHEADER header) override;
     HRESULT STDMETHODCALLTYPE Acquire() override;
     HRESULT STDMETHODCALLTYPE Unacquire() override;
     HRESULT STDMETHODCALLTYPE GetDeviceState(DWORD size, LPVOID data) override;
-    HRESULT STDMETHODCALLTYPE GetDeviceData(DWORD, LPDIDEVICEOBJECTDATA, LPDWORD, DWORD) override;
     HRESULT STDMETHODCALLTYPE SetDataFormat(LPCDIDATAFORMAT format) override;
     HRESULT STDMETHODCALLTYPE SetEventNotification(HANDLE event) override;
     HRESULT STDMETHODCALLTYPE SetCooperativeLevel(HWND window, DWORD flags) override;
-    HRESULT STDMETHODCALLTYPE GetObjectInfo(LPDIDEVICEOBJECTINSTANCEW, DWORD, DWORD) override;
     HRESULT STDMETHODCALLTYPE GetDeviceInfo(LPDIDEVICEINSTANCEW instance) override;
-    HRESULT STDMETHODCALLTYPE RunControlPanel(HWND, DWORD) override;
-    HRESULT STDMETHODCALLTYPE Initialize(HINSTANCE, DWORD, REFGUID) override;
     HRESULT STDMETHODCALLTYPE CreateEffect(REFGUID effectGuid, LPCDIEFFECT parameters, LPDIRECTINPUTEFFECT* effect,
                                            LPUNKNOWN outer) override;
-    HRESULT STDMETHODCALLTYPE EnumEffects(LPDIENUMEFFECTSCALLBACKW, LPVOID, DWORD) override;
-    HRESULT STDMETHODCALLTYPE GetEffectInfo(LPDIEFFECTINFOW, REFGUID) override;
-    HRESULT STDMETHODCALLTYPE GetForceFeedbackState(LPDWORD) override;
-    HRESULT STDMETHODCALLTYPE SendForceFeedbackCommand(DWORD) override;
-    HRESULT STDMETHODCALLTYPE EnumCreatedEffectObjects(LPDIENUMCREATEDEFFECTOBJECTSCALLBACK, LPVOID, DWORD) override;
-    HRESULT STDMETHODCALLTYPE Escape(LPDIEFFESCAPE) override;
-    HRESULT STDMETHODCALLTYPE Poll() override;
-    HRESULT STDMETHODCALLTYPE SendDeviceData(DWORD, LPCDIDEVICEOBJECTDATA, LPDWORD, DWORD) override;
-    HRESULT STDMETHODCALLTYPE EnumEffectsInFile(LPCWSTR, LPDIENUMEFFECTSINFILECALLBACK, LPVOID, DWORD) override;
-    HRESULT STDMETHODCALLTYPE WriteEffectToFile(LPCWSTR, DWORD, LPDIFILEEFFECT, DWORD) override;
-    HRESULT STDMETHODCALLTYPE BuildActionMap(LPDIACTIONFORMATW, LPCWSTR, DWORD) override;
-    HRESULT STDMETHODCALLTYPE SetActionMap(LPDIACTIONFORMATW, LPCWSTR, DWORD) override;
-    HRESULT STDMETHODCALLTYPE GetImageInfo(LPDIDEVICEIMAGEINFOHEADERW) override;
 
     // For the effect. The failure injected for `kind` now, or 0.
     int32_t FaultNow(FaultKind kind);
