@@ -5,8 +5,8 @@
 namespace veltor {
 namespace {
 
-std::wstring ControllerSubject(const std::wstring& name) {
-    return name.empty() ? L"A bound game controller" : L"Game controller " + name;
+std::wstring ControllerLine(const std::wstring& name, const wchar_t* news) {
+    return (name.empty() ? L"A bound game controller" : L"Game controller " + name) + news;
 }
 
 }  // namespace
@@ -86,13 +86,11 @@ void WheelButtons::Read(Watched& controller, int64_t now, std::vector<std::wstri
         return;
     }
     controller.readable = Controllers.ReadButtons(controller.guid, controller.held);
-    const std::wstring subject = ControllerSubject(Controllers.ProductName(controller.guid));
-    if (controller.readable && controller.lost) {
-        controller.lost = false;
-        lines.push_back(subject + L" is back; its buttons work again.");
-    } else if (!controller.readable && !controller.lost) {
-        controller.lost = true;
-        lines.push_back(subject + L" is gone; its button bindings stay until it returns.");
+    if (controller.readable == controller.lost) {  // back after a loss, or newly gone
+        controller.lost = !controller.readable;
+        lines.push_back(ControllerLine(Controllers.ProductName(controller.guid),
+                                       controller.lost ? L" is gone; its button bindings stay until it returns."
+                                                       : L" is back; its buttons work again."));
     }
     if (!controller.readable) {
         controller.held.reset();

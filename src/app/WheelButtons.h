@@ -10,7 +10,6 @@
 namespace veltor {
 
 // Steady-clock nanoseconds.
-inline constexpr int64_t kButtonReadPeriodNs = 50'000'000;        // 20 readings a second
 inline constexpr int64_t kButtonRepeatDelayNs = 500'000'000;      // held this long, a button starts repeating
 inline constexpr int64_t kButtonRepeatPeriodNs = 150'000'000;
 inline constexpr int64_t kControllerRetryNs = 1'000'000'000;      // a controller gone is tried this often

@@ -68,9 +68,9 @@ LRESULT App::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
     }
 }
 
-// The end of a run, in this order: the log window and the wheel buttons' window with the reading of the
-// buttons, a torque edit that never lost the focus, the engine, the one save of the store, then GDI+ (the bitmap before the stream it reads, both before the shutdown) and the
-// window's GDI objects.
+// The end of a run, in this order: the log window, the wheel buttons' window and their reading, a torque
+// edit that never lost the focus, the engine, the one save of the store, then GDI+ (the bitmap before the
+// stream it reads, both before the shutdown) and the window's GDI objects.
 void App::Teardown() {
     if (LogWindow != nullptr && IsWindow(LogWindow)) DestroyWindow(LogWindow);
     LogWindow = nullptr;
