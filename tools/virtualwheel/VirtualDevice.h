@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "ComObject.h"
+#include "FaultFile.h"
 #include "WheelConfig.h"
 #include "wheel/VirtualWheelModel.h"
 
@@ -71,7 +72,6 @@ public:
 private:
     void TurnRim();
     void StopRim();
-    void ReadFaultFile();
 
     const int index;
     const WheelConfig config;
@@ -87,9 +87,7 @@ private:
     HANDLE event = nullptr;
     veltor::VirtualWheelModel model;
     int32_t lastAxisPosition = 32767;
-    FaultPlan fileFaults;
-    FILETIME faultFileTime{};
-    int64_t faultFileCheckedMicroseconds = 0;
+    FaultFile faultFile;
 
     std::atomic<bool> rimStop{false};
     std::thread rim;  // the rim's thread, from construction to the last Release
