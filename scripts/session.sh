@@ -5,11 +5,14 @@
 #   session_init NAME BUILD_DIR PREFIX_DIR   names the session in messages; sets the build tree and prefix
 #   session_display                         starts the private Xvfb and exports DISPLAY
 #   step DESCRIPTION COMMAND...              runs COMMAND; when it fails, says which step and exits 1
+#   session_fail REASON                      says why the session ends, keeps the first reason in the file
+#                                            that session_failure_file names (if any), and exits 1
 #   session_started PID                      a process for the cleanup to end
 #   session_cleanup                          ends the started processes, the prefix's server and the Xvfb
 #   windows_path PATH                        the path as Windows programs in the prefix see it (drive Z:)
 
 session_name=""
+session_failure_file=""
 session_pids=()
 session_xvfb_pid=""
 session_display_file=""
@@ -21,15 +24,20 @@ session_init() {
   # The prefix's own server is the one that wineserver -k and -w talk to below.
   export WINEPREFIX="$3"
   unset WINESERVER
+  # An interrupted session still ends what it started: the EXIT trap runs.
+  trap 'exit 1' INT TERM
+}
+
+session_fail() {
+  echo "$session_name: $1" >&2
+  if [ -n "$session_failure_file" ] && [ ! -s "$session_failure_file" ]; then echo "$1" >"$session_failure_file"; fi
+  exit 1
 }
 
 step() {
   local description="$1"
   shift
-  if ! "$@"; then
-    echo "$session_name: step failed: $description" >&2
-    exit 1
-  fi
+  "$@" || session_fail "step failed: $description"
 }
 
 session_started() { session_pids+=("$1"); }
@@ -45,10 +53,7 @@ session_display() {
     if [ -n "$number" ] || ! kill -0 "$session_xvfb_pid" 2>/dev/null; then break; fi
     sleep 0.1
   done
-  if [ -z "$number" ]; then
-    echo "$session_name: step failed: starting a private Xvfb display" >&2
-    exit 1
-  fi
+  if [ -z "$number" ]; then session_fail "step failed: starting a private Xvfb display"; fi
   export DISPLAY=":$number"
 }
 

@@ -34,10 +34,12 @@ int64_t Percentile(const std::vector<int64_t>& sorted, double fraction) {
 
 }  // namespace
 
+// A simulator killed while writing leaves a cut line, which the next one's first line may continue: an event
+// that is not later than the one before is no event.
 size_t ReadEventLines(std::string_view text, FlowLogs& logs) {
     return ForEachLine(text, [&](std::string_view line) {
         int64_t at = 0;
-        if (ParseInteger(line, at)) logs.events.push_back(at);
+        if (ParseInteger(line, at) && (logs.events.empty() || at > logs.events.back())) logs.events.push_back(at);
     });
 }
 
