@@ -22,9 +22,9 @@ TEST(ForceFlow, OnlyWholeLinesOfSuccessfulUpdatesAndEventsAreRead) {
     EXPECT_EQ(logs.updates[1].microseconds, 400);
     EXPECT_EQ(logs.updates[1].magnitude, -7);
 
-    const std::string events = "1000 1\nx\n2000 2\n30";
+    const std::string events = "1000 1\nx\n2000 2\n150\n3000 3\n30";
     EXPECT_EQ(ReadEventLines(events, logs), events.rfind('\n') + 1);
-    EXPECT_EQ(logs.events, (std::vector<int64_t>{1000, 2000}));
+    EXPECT_EQ(logs.events, (std::vector<int64_t>{1000, 2000, 3000})) << "a cut line of a killed simulator";
 }
 
 TEST(ForceFlow, LatencyRunsFromEachEventToTheFirstNewValueBeforeTheNextEvent) {
