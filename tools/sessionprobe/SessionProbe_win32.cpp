@@ -4,8 +4,8 @@
 //                           --time prints when, in milliseconds since 1970
 //   record FILE [--time]    presses Record and answers the save dialog with FILE (a Windows path); with
 //                           --time prints when the dialog went, in milliseconds since 1970
-//   slide ID FRACTION       drags the slider with this id to that fraction of its track with the real mouse;
-//                           prints the value it shows then
+//   slide ID FRACTION       clicks the slider with this id at that fraction of its track (the button's down and
+//                           up sent to it); prints the value it shows then
 //   value ID                prints the value that the slider with this id shows
 //   car                     prints the car path that the car panel's label names
 //   wait-log TEXT [SECONDS [FROM]]
