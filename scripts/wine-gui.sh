@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
 # Runs a Windows program with a window under Wine: on the display given in DISPLAY, or else on a private
 # 1920 x 1080 true-colour Xvfb, large enough for the whole main window. The Wine prefix (private to the
-# build tree, see cmake/wine-run.sh) gets Liberation Sans and Liberation Mono in place of the window's
-# Segoe UI and Cascadia Mono, which Wine lacks: their widths are close enough that no label wraps.
+# build tree or VELTOR_WINEPREFIX, see cmake/wine-run.sh) gets Liberation Sans and Liberation Mono in place
+# of the window's Segoe UI and Cascadia Mono, which Wine lacks: their widths are close enough that no label
+# wraps. With --prepare in place of a program it makes the prefix ready and ends.
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 wine_run="$here/../cmake/wine-run.sh"
 exe="$1"
+if [ "$exe" = --prepare ] && [ -z "${VELTOR_BUILD_DIR:-}" ]; then
+  echo "wine-gui.sh: --prepare needs VELTOR_BUILD_DIR" >&2
+  exit 2
+fi
 
 build_dir="${VELTOR_BUILD_DIR:-}"
 if [ -z "$build_dir" ]; then
@@ -14,7 +19,7 @@ if [ -z "$build_dir" ]; then
   while [ "$build_dir" != "/" ] && [ ! -f "$build_dir/CMakeCache.txt" ]; do build_dir="$(dirname "$build_dir")"; done
 fi
 export VELTOR_BUILD_DIR="$build_dir"
-export WINEPREFIX="${WINEPREFIX:-$build_dir/wineprefix}"
+export WINEPREFIX="${VELTOR_WINEPREFIX:-$build_dir/wineprefix}"
 
 (
   flock 9
@@ -25,6 +30,7 @@ export WINEPREFIX="${WINEPREFIX:-$build_dir/wineprefix}"
     touch "$WINEPREFIX/.veltor-fonts"
   fi
 ) 9>"$build_dir/.winefonts.lock"
+if [ "$exe" = --prepare ]; then exit 0; fi
 
 if [ -n "${DISPLAY:-}" ]; then
   exec "$wine_run" "$@"

@@ -1,29 +1,50 @@
-// What scripts/run does to the running program and its analyzer, one command per start:
+// What scripts/run and scripts/soak do to the running program and its analyzer, one command per start:
 //   painted                 waits for the painted main window and prints its rectangle "x y width height"
-//   press ID                clicks the control with this id with the real mouse, as a user would
-//   record FILE             presses Record and answers the save dialog with FILE (a Windows path)
-//   wait-log TEXT [SECONDS] waits until the session log holds TEXT (default 60 s)
-//   log                     prints the session log
+//   press ID [--time]       clicks the control with this id with the real mouse, as a user would; with
+//                           --time prints when, in milliseconds since 1970
+//   record FILE [--time]    presses Record and answers the save dialog with FILE (a Windows path); with
+//                           --time prints when the dialog went, in milliseconds since 1970
+//   slide ID FRACTION       clicks the slider with this id at that fraction of its track (the button's down and
+//                           up sent to it); prints the value it shows then
+//   value ID                prints the value that the slider with this id shows
+//   car                     prints the car path that the car panel's label names
+//   wait-log TEXT [SECONDS [FROM]]
+//                           waits until the session log holds TEXT (default 60 s), from its FROMth character on;
+//                           "A|B" waits for either
+//   log [FROM]              prints the session log (from its FROMth character on)
+//   log-length              prints the number of characters in the session log
+//   log-window              opens the log window with "View log", sees it painted with the whole log, closes it
 //   close                   closes the window as its close box does
 //   analyzer                waits for the analyzer's window with a recording open; prints its rectangle
 //   analyzer-apply          presses "Apply to Gripline"; exit code 3 when the analyzer proposes nothing
 //   analyzer-close          closes the analyzer's window
 //   wheel-summary FILE      what the virtual wheel's call log says the wheel was sent
 //   bind ID FILE PRESS      binds a wheel button through "Wheel buttons..." (WheelButtonsProbe.h)
-//   value ID                prints the value text of the slider with this id
+//   wait-wheel WHEEL_LOG FROM [COUNT [SECONDS]]
+//                           waits until the wheel's call log holds COUNT (default 100) successful updates
+//                           with a force after its byte offset FROM (default 60 s)
+//   flow WHEEL_LOG FROM EVENT_LOG FROM
+//                           how the force flowed since those byte offsets of the wheel's call log and the
+//                           simulator's event log: "updates U active S per-second R latency N P50 P99 MAX
+//                           next WHEEL_END EVENT_END" (latencies in microseconds, -1 without any)
 #include <windows.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <fstream>
+#include <iterator>
 #include <string>
 
+#include "ForceFlow.h"
 #include "ProgramWindow_win32.h"
 #include "SaveDialog_win32.h"
 #include "WheelButtonsProbe.h"
 #include "analyzer/AnalyzerLayout.h"
+#include "ui/SliderGeometry.h"
 
 namespace {
 
@@ -55,11 +76,16 @@ std::wstring Wide(const char* text) {
     return out.empty() ? out : out.substr(0, out.size() - 1);
 }
 
-std::wstring LogText(HWND window) {
-    HWND log = GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST);  // the session log
-    std::wstring text(static_cast<size_t>(SendMessageW(log, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    text.resize(static_cast<size_t>(SendMessageW(log, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+constexpr DWORD kLogPollMs = 100;  // the whole log crosses over each time: no faster than this
+
+std::wstring WholeText(HWND window) {
+    std::wstring text(static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    text.resize(static_cast<size_t>(SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
     return text;
+}
+
+std::wstring LogText(HWND window) {
+    return WholeText(GetWindow(GetWindow(window, GW_CHILD), GW_HWNDLAST));  // the session log panel
 }
 
 void MouseButton(DWORD flags) {
@@ -67,6 +93,14 @@ void MouseButton(DWORD flags) {
     input.type = INPUT_MOUSE;
     input.mi.dwFlags = flags;
     SendInput(1, &input, sizeof input);
+}
+
+long long UnixMilliseconds() {
+    constexpr long long kUnixEpochIn100ns = 116444736000000000LL;
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    const long long ticks = static_cast<long long>((static_cast<unsigned long long>(now.dwHighDateTime) << 32) | now.dwLowDateTime);
+    return (ticks - kUnixEpochIn100ns) / 10000;
 }
 
 int Press(HWND window, int id) {
@@ -81,25 +115,141 @@ int Press(HWND window, int id) {
     return 0;
 }
 
-int Record(HWND window, const std::wstring& file) {
+int Record(HWND window, const std::wstring& file, bool printTime) {
     DWORD processId = 0;
     GetWindowThreadProcessId(window, &processId);
     if (Press(window, 1124) != 0 || !veltor::test::AnswerFileDialog(processId, file)) {
         std::fprintf(stderr, "the save dialog for the recording did not come or go\n");
         return 1;
     }
+    if (printTime) std::printf("%lld\n", UnixMilliseconds());
     return 0;
 }
 
-int WaitForLog(HWND window, const std::wstring& text, double seconds) {
+bool HoldsAny(const std::wstring& log, const std::wstring& texts, size_t from) {
+    for (size_t start = 0;;) {
+        const size_t bar = texts.find(L'|', start);
+        if (log.find(texts.substr(start, bar - start), from) != std::wstring::npos) return true;
+        if (bar == std::wstring::npos) return false;
+        start = bar + 1;
+    }
+}
+
+int WaitForLog(HWND window, const std::wstring& text, double seconds, size_t from) {
     const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(seconds * 1000.0);
-    while (LogText(window).find(text) == std::wstring::npos) {
+    while (!HoldsAny(LogText(window), text, from)) {
         if (GetTickCount64() > until || !IsWindow(window)) {
             std::fprintf(stderr, "the session log never said \"%s\"\n", Utf8(text).c_str());
             return 1;
         }
-        Sleep(50);
+        Sleep(kLogPollMs);
     }
+    return 0;
+}
+
+// A click on the track where the fraction lies, sent to the slider itself so that the value has been taken
+// when the call returns.
+int Slide(HWND window, int id, double fraction) {
+    HWND slider = GetDlgItem(window, id);
+    HWND valueText = GetWindow(slider, GW_HWNDPREV);
+    if (slider == nullptr || valueText == nullptr || fraction < 0.0 || fraction > 1.0) return 2;
+    RECT client;
+    GetClientRect(slider, &client);
+    const double track = static_cast<double>(client.right - 2 * veltor::kSliderTrackInset);
+    const LPARAM point = MAKELPARAM(veltor::kSliderTrackInset + static_cast<int>(fraction * track), client.bottom / 2);
+    SendMessageW(slider, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    SendMessageW(slider, WM_LBUTTONUP, 0, point);
+    std::printf("%s\n", Utf8(WholeText(valueText)).c_str());
+    return 0;
+}
+
+// "Car: <path>", with " (unknown)" for a car that neither the catalogue nor an override knows; the label
+// stands three places before the panel's first slider.
+int PrintCar(HWND window) {
+    HWND label = GetDlgItem(window, 1116);
+    for (int i = 0; i < 3 && label != nullptr; ++i) label = GetWindow(label, GW_HWNDPREV);
+    std::wstring text = label != nullptr ? WholeText(label) : L"";
+    const std::wstring prefix = L"Car: ", unknown = L" (unknown)";
+    if (text.rfind(prefix, 0) != 0) return 1;
+    text = text.substr(prefix.size());
+    if (text.size() > unknown.size() && text.compare(text.size() - unknown.size(), unknown.size(), unknown) == 0) {
+        text.resize(text.size() - unknown.size());
+    }
+    std::printf("%s\n", Utf8(text).c_str());
+    return 0;
+}
+
+int PrintValue(HWND window, int id) {
+    HWND valueText = GetWindow(GetDlgItem(window, id), GW_HWNDPREV);
+    if (valueText == nullptr) return 2;
+    std::printf("%s\n", Utf8(WholeText(valueText)).c_str());
+    return 0;
+}
+
+// The log window starts with a copy of the whole panel and takes each new line as the panel does.
+int OpenAndCloseLogWindow(HWND window) {
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    const std::wstring before = LogText(window);
+    if (Press(window, 1123) != 0) return 1;
+    // A top-level edit control: WM_GETTEXT gives its content, GetWindowTextW (another process's window) its caption.
+    HWND logWindow = nullptr;
+    const bool shown = veltor::test::WaitUntil([&] {
+        logWindow = veltor::test::FindProcessWindow(processId, L"Edit");
+        wchar_t caption[64] = {};
+        if (logWindow != nullptr) GetWindowTextW(logWindow, caption, 64);
+        return logWindow != nullptr && std::wcscmp(caption, L"Veltor Session Log") == 0 && veltor::test::IsPainted(logWindow);
+    });
+    if (!shown) {
+        std::fprintf(stderr, "the log window did not open\n");
+        return 1;
+    }
+    const std::wstring copy = WholeText(logWindow);
+    PostMessageW(logWindow, WM_CLOSE, 0, 0);
+    if (!veltor::test::WaitGone(logWindow)) {
+        std::fprintf(stderr, "the log window did not close\n");
+        return 1;
+    }
+    if (copy.compare(0, before.size(), before) != 0) {
+        std::fprintf(stderr, "the log window did not hold the session log (%zu characters, the panel %zu)\n",
+                     copy.size(), before.size());
+        return 1;
+    }
+    return 0;
+}
+
+// The bytes of a file from `from` on; empty when there are none.
+std::string ReadFrom(const char* path, long long from) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file || !file.seekg(from)) return {};
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+int WaitForWheel(const char* wheelLog, long long from, long long count, double seconds) {
+    const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(seconds * 1000.0);
+    for (;;) {
+        veltor::probe::FlowLogs logs;
+        veltor::probe::ReadWheelLines(ReadFrom(wheelLog, from), logs);
+        const long long forces = std::count_if(logs.updates.begin(), logs.updates.end(),
+                                               [](const veltor::probe::ForceUpdate& u) { return u.magnitude != 0; });
+        if (forces >= count) return 0;
+        if (GetTickCount64() > until) {
+            std::fprintf(stderr, "the wheel took %lld of %lld updates with a force\n", forces, count);
+            return 1;
+        }
+        Sleep(kLogPollMs);
+    }
+}
+
+int Flow(const char* wheelLog, long long wheelFrom, const char* eventLog, long long eventFrom) {
+    veltor::probe::FlowLogs logs;
+    const long long wheelEnd = wheelFrom + static_cast<long long>(veltor::probe::ReadWheelLines(ReadFrom(wheelLog, wheelFrom), logs));
+    const long long eventEnd = eventFrom + static_cast<long long>(veltor::probe::ReadEventLines(ReadFrom(eventLog, eventFrom), logs));
+    const veltor::probe::FlowFigures f = veltor::probe::MeasureFlow(logs);
+    std::printf("updates %lld active %lld per-second %.0f latency %lld %lld %lld %lld next %lld %lld\n",
+                static_cast<long long>(f.updates), static_cast<long long>(f.activeSeconds), f.updatesPerSecond,
+                static_cast<long long>(f.latencySamples), static_cast<long long>(f.latencyP50),
+                static_cast<long long>(f.latencyP99), static_cast<long long>(f.latencyMax), wheelEnd, eventEnd);
     return 0;
 }
 
@@ -139,6 +289,11 @@ int WheelSummary(const char* path) {
 int main(int argc, char** argv) {
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "wheel-summary" && argc > 2) return WheelSummary(argv[2]);
+    if (command == "wait-wheel" && argc > 3) {
+        return WaitForWheel(argv[2], std::atoll(argv[3]), argc > 4 ? std::atoll(argv[4]) : 100,
+                            argc > 5 ? std::atof(argv[5]) : 60.0);
+    }
+    if (command == "flow" && argc > 5) return Flow(argv[2], std::atoll(argv[3]), argv[4], std::atoll(argv[5]));
     if (command.rfind("analyzer", 0) == 0) {
         // The analyzer's title names the file it shows.
         HWND analyzer = PaintedWindow(veltor::analyzer::kAnalyzerWindowClass, L" - ", "analyzer");
@@ -154,24 +309,39 @@ int main(int argc, char** argv) {
     HWND window = PaintedWindow(L"VeltorCommercialWindow", L"Gripline", "Gripline");
     if (window == nullptr) return 1;
     if (command == "painted") return PrintRectangle(window);
-    if (command == "press" && argc > 2) return Press(window, std::atoi(argv[2]));
-    if (command == "record" && argc > 2) return Record(window, Wide(argv[2]));
-    if (command == "wait-log" && argc > 2) return WaitForLog(window, Wide(argv[2]), argc > 3 ? std::atof(argv[3]) : 60.0);
-    if (command == "bind" && argc > 4) return sessionprobe::BindWheelButton(window, std::atoi(argv[2]), Wide(argv[3]), argv[4]);
-    if (command == "value" && argc > 2) {
-        std::puts(Utf8(veltor::test::WindowText(GetWindow(GetDlgItem(window, std::atoi(argv[2])), GW_HWNDPREV))).c_str());
+    const bool printTime = std::strcmp(argv[argc - 1], "--time") == 0;
+    if (command == "press" && argc > 2) {
+        if (Press(window, std::atoi(argv[2])) != 0) return 1;
+        if (printTime) std::printf("%lld\n", UnixMilliseconds());
         return 0;
+    }
+    if (command == "record" && argc > 2) return Record(window, Wide(argv[2]), printTime);
+    if (command == "slide" && argc > 3) return Slide(window, std::atoi(argv[2]), std::atof(argv[3]));
+    if (command == "value" && argc > 2) return PrintValue(window, std::atoi(argv[2]));
+    if (command == "car") return PrintCar(window);
+    if (command == "bind" && argc > 4) return sessionprobe::BindWheelButton(window, std::atoi(argv[2]), Wide(argv[3]), argv[4]);
+    if (command == "wait-log" && argc > 2) {
+        return WaitForLog(window, Wide(argv[2]), argc > 3 ? std::atof(argv[3]) : 60.0,
+                          argc > 4 ? static_cast<size_t>(std::atoll(argv[4])) : 0);
     }
     if (command == "log") {
-        std::fputs(Utf8(LogText(window)).c_str(), stdout);
+        const std::wstring log = LogText(window);
+        const size_t from = std::min(argc > 2 ? static_cast<size_t>(std::atoll(argv[2])) : 0, log.size());
+        std::fputs(Utf8(log.substr(from)).c_str(), stdout);
         return 0;
     }
+    if (command == "log-length") {
+        std::printf("%zu\n", LogText(window).size());
+        return 0;
+    }
+    if (command == "log-window") return OpenAndCloseLogWindow(window);
     if (command == "close") {
         PostMessageW(window, WM_CLOSE, 0, 0);
         return 0;
     }
-    std::fprintf(stderr, "usage: session_probe painted | press ID | record FILE | wait-log TEXT [SECONDS] | log |"
-                         " close | analyzer | analyzer-apply | analyzer-close | wheel-summary FILE |"
-                         " bind ID FILE PRESS | value ID\n");
+    std::fprintf(stderr, "usage: session_probe painted | press ID [--time] | slide ID FRACTION | value ID | car | record FILE [--time] |"
+                         " wait-log TEXT [SECONDS [FROM]] | log [FROM] | log-length | log-window | close | analyzer |"
+                         " analyzer-apply | analyzer-close | wheel-summary FILE | bind ID FILE PRESS |"
+                         " wait-wheel WHEEL_LOG FROM [COUNT [SECONDS]] | flow WHEEL_LOG FROM EVENT_LOG FROM\n");
     return 2;
 }

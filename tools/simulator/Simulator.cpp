@@ -4,10 +4,12 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <thread>
 #include <vector>
 
 #include "SimulatorPublisher.h"
+#include "platform/SteadyClock.h"
 #include "telemetry/IrsdkLayout.h"
 
 namespace veltor::sim {
@@ -30,7 +32,8 @@ bool ParseNumber(const char* text, double& out) {
 const char* SimulatorUsage() {
     return "simulator [--seconds N] [--ibt FILE] [--identity plain|differing-ids|quoted|crlf]\n"
            "          [--disappear-at S] [--absent-for S] [--torn-every N] [--freeze-at S] [--freeze-for S]\n"
-           "          [--swap-identity-at S] [--lap-offset S] [--quiet]\n";
+           "          [--freeze-file FILE]\n"
+           "          [--swap-identity-at S] [--lap-offset S] [--event-log FILE] [--quiet]\n";
 }
 
 bool ParseSimulatorOptions(int argc, const char* const* argv, SimulatorOptions& o, std::string& error) {
@@ -49,6 +52,10 @@ bool ParseSimulatorOptions(int argc, const char* const* argv, SimulatorOptions& 
         const bool numeric = ParseNumber(value, number);
         if (name == "--ibt") {
             o.ibtPath = value;
+        } else if (name == "--freeze-file") {
+            o.freezeFilePath = value;
+        } else if (name == "--event-log") {
+            o.eventLogPath = value;
         } else if (name == "--identity") {
             if (!ParseIdentityCase(value, o.identity)) error = "unknown identity case " + std::string(value);
         } else if (!numeric) {
@@ -199,12 +206,15 @@ void Simulator::FollowSchedule(double now) {
 void Simulator::Step() {
     const double now = static_cast<double>(step) / tickRate;
     FollowSchedule(now);
+    frameEventNanoseconds = -1;
     if (block != nullptr) {
-        const bool frozen = options.freezeAt >= 0.0 && now >= options.freezeAt && now < options.freezeAt + options.freezeFor;
-        if (frozen && !frozenLogged) Log("frozen for %.1f s at tick %d\n", options.freezeFor, tickCount);
+        const bool frozen = Frozen(now);
+        if (frozen && !frozenLogged) Log("frozen at tick %d\n", tickCount);
+        if (!frozen && frozenLogged) Log("moves on from tick %d\n", tickCount);
         frozenLogged = frozen;
         if (!frozen) PublishFrame();
         publisher::SignalDataValid();
+        if (!frozen) frameEventNanoseconds = SteadyNowNanoseconds();
         if (!frozen && options.tornEvery > 0 && (step + 1) % options.tornEvery == 0) TearNewestBuffer();
     }
     if (!replay && block != nullptr) {
@@ -214,6 +224,12 @@ void Simulator::Step() {
     }
     ReportBroadcasts();
     ++step;
+}
+
+bool Simulator::Frozen(double now) const {
+    if (options.freezeAt >= 0.0 && now >= options.freezeAt && now < options.freezeAt + options.freezeFor) return true;
+    std::error_code unknown;
+    return !options.freezeFilePath.empty() && std::filesystem::exists(options.freezeFilePath, unknown);
 }
 
 void Simulator::ReportBroadcasts() {
@@ -233,6 +249,11 @@ void Simulator::Log(const char* format, ...) {
 }
 
 int RunSimulator(const SimulatorOptions& options, const std::atomic<bool>& stop, std::FILE* log) {
+    std::FILE* events = options.eventLogPath.empty() ? nullptr : std::fopen(options.eventLogPath.c_str(), "ab");
+    if (!options.eventLogPath.empty() && events == nullptr) {
+        std::fprintf(stderr, "simulator: cannot write %s\n", options.eventLogPath.c_str());
+        return 1;
+    }
     // The listener comes first: a program that finds the simulator may broadcast at once.
     if (!publisher::StartListening() && log != nullptr) std::fprintf(log, "cannot hear the broadcast\n");
     Simulator simulator(options.quiet ? nullptr : log);
@@ -240,6 +261,7 @@ int RunSimulator(const SimulatorOptions& options, const std::atomic<bool>& stop,
     if (!simulator.Start(options, error)) {
         std::fprintf(stderr, "simulator: %s\n", error.c_str());
         publisher::StopListening();
+        if (events != nullptr) std::fclose(events);
         return 1;
     }
     const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
@@ -248,11 +270,18 @@ int RunSimulator(const SimulatorOptions& options, const std::atomic<bool>& stop,
     auto next = std::chrono::steady_clock::now();
     while (!stop.load() && (options.seconds <= 0.0 || simulator.Steps() < limit)) {
         simulator.Step();
+        if (events != nullptr && simulator.FrameEventNanoseconds() >= 0) {
+            // Flushed at once: whoever reads it may kill this process at any moment.
+            std::fprintf(events, "%lld %d\n", static_cast<long long>(simulator.FrameEventNanoseconds() / 1000),
+                         simulator.TickCount());
+            std::fflush(events);
+        }
         next += period;
         std::this_thread::sleep_until(next);
     }
     simulator.Stop();
     publisher::StopListening();
+    if (events != nullptr) std::fclose(events);
     if (log != nullptr && !options.quiet) std::fprintf(log, "stopped after %lld ticks\n", static_cast<long long>(simulator.Steps()));
     return 0;
 }

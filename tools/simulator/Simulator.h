@@ -22,8 +22,10 @@ struct SimulatorOptions {
     int32_t tornEvery = 0;        // every Nth frame is rewritten while a reader may be copying it; 0: never
     double freezeAt = -1.0;       // the event keeps coming with the tick count standing still
     double freezeFor = 2.0;
+    std::string freezeFilePath;   // the tick count stands still, as above, while this file exists
     double swapIdentityAt = -1.0; // another car and driver, with a new sessionInfoUpdate
     double lapOffset = 0.0;       // the synthetic drive starts this far into its lap
+    std::string eventLogPath;     // each new frame's event on the steady clock, "<microseconds> <tickCount>"
     bool quiet = false;
 };
 
@@ -49,6 +51,8 @@ public:
     int64_t Steps() const { return step; }
     int32_t TickCount() const { return tickCount; }
     int32_t SessionInfoUpdate() const { return sessionInfoUpdate; }
+    // When the last Step set the event for a new frame, in steady-clock nanoseconds; -1 when it set none.
+    int64_t FrameEventNanoseconds() const { return frameEventNanoseconds; }
     bool Published() const { return block != nullptr; }
     const TelemetryLayoutWriter& Layout() const { return *layout; }
 
@@ -60,6 +64,7 @@ private:
     void PublishFrame();
     void TearNewestBuffer();
     void FollowSchedule(double now);
+    bool Frozen(double now) const;
     void ReportBroadcasts();
     void Log(const char* format, ...);
     int64_t DriveTick() const { return step + static_cast<int64_t>(options.lapOffset * tickRate); }
@@ -80,6 +85,7 @@ private:
     int generation = 0;            // identity of the synthetic session
     const char* lastPhase = nullptr;
     bool frozenLogged = false;
+    int64_t frameEventNanoseconds = -1;
 };
 
 // The simulator's loop at its tick rate until `seconds` have passed or `stop` is set; prints each

@@ -10,7 +10,6 @@ namespace virtualwheel {
 
 namespace {
 constexpr DWORD kRimStepMilliseconds = 1;
-constexpr int64_t kFaultFileCheckMicroseconds = 20000;
 constexpr float kMicrosecondsPerSecond = 1e6f;
 constexpr DWORD kWheelDeviceType = DI8DEVTYPE_DRIVING | (DI8DEVTYPEDRIVING_DUALPEDALS << 8);
 constexpr DWORD kJoystickStateSize = sizeof(DIJOYSTATE);    // 80
@@ -33,7 +32,7 @@ const wchar_t* WheelProductName(int index) {
 }
 
 VirtualDevice::VirtualDevice(int wheelIndex, const WheelConfig& wheelConfig)
-    : index(wheelIndex), config(wheelConfig), createdMicroseconds(NowMicroseconds()) {
+    : index(wheelIndex), config(wheelConfig), createdMicroseconds(NowMicroseconds()), faultFile(config.faultFile) {
     rim = std::thread([this] { TurnRim(); });
 }
 
@@ -62,44 +61,20 @@ void VirtualDevice::StopRim() {
     if (rim.joinable()) rim.join();
 }
 
-// A fault file applies while it exists and is read again when its time stamp changes.
-void VirtualDevice::ReadFaultFile() {
-    WIN32_FILE_ATTRIBUTE_DATA attributes{};
-    if (!GetFileAttributesExW(config.faultFile, GetFileExInfoStandard, &attributes)) {
-        fileFaults.Parse({});
-        faultFileTime = {};
-        return;
-    }
-    if (CompareFileTime(&attributes.ftLastWriteTime, &faultFileTime) == 0) return;
-    faultFileTime = attributes.ftLastWriteTime;
-    char text[1024] = {};
-    DWORD read = 0;
-    HANDLE file = CreateFileW(config.faultFile, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                              nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return;
-    ReadFile(file, text, sizeof text - 1, &read, nullptr);
-    CloseHandle(file);
-    fileFaults.Parse(std::string_view(text, read));
-    LogCall("FaultFile spans=%d rejected=%d", fileFaults.SpanCount(), fileFaults.RejectedCount());
-}
-
 int32_t VirtualDevice::FaultNow(FaultKind kind) {
     const int64_t now = NowMicroseconds();
     const int64_t elapsedMs = (now - createdMicroseconds) / 1000;
     std::lock_guard guard(lock);
-    if (config.faultFile[0] != L'\0' && now - faultFileCheckedMicroseconds >= kFaultFileCheckMicroseconds) {
-        faultFileCheckedMicroseconds = now;
-        ReadFaultFile();
-    }
+    const FaultPlan& switched = faultFile.Poll(now);
     if (!vanished && (config.faults.ResultAt(FaultKind::Vanish, elapsedMs) != 0 ||
-                      fileFaults.ResultAt(FaultKind::Vanish, elapsedMs) != 0)) {
+                      switched.ResultAt(FaultKind::Vanish, elapsedMs) != 0)) {
         vanished = true;
         gVanished.store(true);
         LogCall("Vanish wheel=%d", index);
     }
     if (vanished) return DIERR_INPUTLOST;
     const int32_t planned = config.faults.ResultAt(kind, elapsedMs);
-    return planned != 0 ? planned : fileFaults.ResultAt(kind, elapsedMs);
+    return planned != 0 ? planned : switched.ResultAt(kind, elapsedMs);
 }
 
 HRESULT VirtualDevice::CheckExclusive() {

@@ -10,6 +10,7 @@
 
 #include "DeviceCalls.h"
 #include "ComObject.h"
+#include "FaultFile.h"
 #include "WheelConfig.h"
 #include "wheel/VirtualWheelModel.h"
 
@@ -53,7 +54,6 @@ public:
 private:
     void TurnRim();
     void StopRim();
-    void ReadFaultFile();
 
     const int index;
     const WheelConfig config;
@@ -69,9 +69,7 @@ private:
     HANDLE event = nullptr;
     veltor::VirtualWheelModel model;
     int32_t lastAxisPosition = 32767;
-    FaultPlan fileFaults;
-    FILETIME faultFileTime{};
-    int64_t faultFileCheckedMicroseconds = 0;
+    FaultFile faultFile;
 
     std::atomic<bool> rimStop{false};
     std::thread rim;  // the rim's thread, from construction to the last Release
