@@ -4,7 +4,7 @@
 // run, the lateness of each store to commandedForce against its target offset from t0, the latency from
 // the event being set to the first store of the tick, the pacer's learned margin, and the CPU time of the
 // engine and output threads. Each condition first measures the platform's floor, a bare thread woken by the
-// event with no engine, and prints each latency as a ratio to it.
+// event with no engine, and prints each latency as a ratio to it, and beside it how late a bare sleep wakes.
 #include <pthread.h>
 #include <time.h>
 
@@ -22,6 +22,7 @@
 #include "TelemetryLayoutWriter.h"
 #include "engine/EngineLoop.h"
 #include "engine/EnginePlatform.h"
+#include "platform/SystemSleeps.h"
 #include "platform/ThreadControl.h"
 #include "telemetry/IrsdkLayout.h"
 #include "telemetry/SimulatorLink_host.h"
@@ -131,12 +132,27 @@ double ThreadCpuSeconds(pthread_t thread) {
     return t.tv_sec + t.tv_nsec / 1e9;
 }
 
-// Event set -> wake-up of a thread that does nothing else, at the engine thread's priority (µs).
+// Event set -> wake-up of a thread that does nothing else, at the engine thread's priority (µs); and beside
+// it, in the same seconds, how late the machine wakes a bare sleep to a deadline on the stores' grid: a
+// store's lateness cannot beat that floor's max but by spinning the whole gap.
 struct Floor {
     double p50 = 0.0;
     double p99 = 0.0;
     double max = 0.0;
 };
+
+std::vector<int64_t> BareSleepLateness(const std::atomic<bool>& done) {
+    std::vector<int64_t> lateness;
+    lateness.reserve(1 << 20);
+    SetCurrentThreadPriorityHighest();
+    SystemSleeps sleeps;
+    for (int64_t deadline = sleeps.Now(); !done.load();) {
+        deadline = std::max(deadline, sleeps.Now()) + kInterpolatedSpacingMicroseconds * 1000LL;
+        sleeps.Sleep(0, deadline);
+        if (lateness.size() < lateness.capacity()) lateness.push_back(sleeps.Now() - deadline);
+    }
+    return lateness;
+}
 
 Floor MeasureFloor(int seconds) {
     std::vector<int64_t> wakes;
@@ -152,12 +168,18 @@ Floor MeasureFloor(int seconds) {
         }
         link::CloseLinkHandle(event);
     });
+    std::vector<int64_t> sleepLateness;
+    std::thread sleeper([&] { sleepLateness = BareSleepLateness(done); });
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     done.store(true);
     waiter.join();
+    sleeper.join();
     const Floor floor{Percentile(wakes, 0.50), Percentile(wakes, 0.99), Percentile(wakes, 1.0)};
     std::printf("  floor: event set -> bare wake-up, no engine, %zu ticks (us): p50 %.1f  p99 %.1f  max %.1f\n",
                 wakes.size(), floor.p50, floor.p99, floor.max);
+    std::printf("  floor: bare sleep to a deadline every 1380 us, no engine, %zu sleeps (us): p50 %.1f  p99 %.1f  max %.1f\n",
+                sleepLateness.size(), Percentile(sleepLateness, 0.50), Percentile(sleepLateness, 0.99),
+                Percentile(sleepLateness, 1.0));
     return floor;
 }
 
@@ -208,27 +230,6 @@ void RunMode(int mode, int seconds, const Floor& floor) {
                 (engineAfter - engineBefore) * 1000.0 / wall, (engineAfter - engineBefore) * 100.0 / wall,
                 (outputAfter - outputBefore) * 1000.0 / wall, (outputAfter - outputBefore) * 100.0 / wall);
 }
-
-// As many threads as the machine has hardware threads, spinning at normal priority: a busy PC.
-class Load {
-public:
-    explicit Load(unsigned threads) {
-        for (unsigned i = 0; i < threads; ++i) {
-            spinners.emplace_back([this] {
-                volatile uint64_t work = 0;
-                while (!stop.load(std::memory_order_relaxed)) work = work + 1;
-            });
-        }
-    }
-    ~Load() {
-        stop.store(true);
-        for (std::thread& spinner : spinners) spinner.join();
-    }
-
-private:
-    std::atomic<bool> stop{false};
-    std::vector<std::thread> spinners;
-};
 
 }  // namespace
 

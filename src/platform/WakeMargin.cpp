@@ -20,8 +20,15 @@ void WakeMargin::Record(int64_t latenessNanoseconds) {
 
     const int64_t goal = Goal();
     const int64_t needed = std::min(lateness + kPadNanoseconds, kWidestNanoseconds);
-    if (needed > margin || goal > margin) {
-        margin = std::max(needed, goal);
+    if (needed > margin) {
+        const bool burst = lastBeyond != 0 && samples - lastBeyond <= kBurstSamples;
+        lastBeyond = samples;
+        if (burst) margin = std::max(needed, goal);
+        else margin = std::max(margin, goal);
+        return;
+    }
+    if (goal > margin) {
+        margin = goal;
         return;
     }
     NarrowTowards(goal);

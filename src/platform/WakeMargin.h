@@ -7,8 +7,10 @@ namespace veltor {
 // leaves before its target. Fixed storage: a histogram of lateness whose weights halve every
 // kHalfLifeSamples, so old wake-ups fade and nothing is allocated. One thread only.
 //
-// A wake-up later than the margin allows widens it at once; otherwise the margin narrows towards the 99th
-// percentile of the recent wake-ups plus a pad: quickly while the first samples come in, slowly after.
+// A burst of wake-ups later than the margin allows (two within kBurstSamples) widens it at once; a lone
+// one is the machine's hiccup, which no margin short of spinning always would hide, and only counts in the
+// histogram. Otherwise the margin narrows towards the 99th percentile of the recent wake-ups plus a pad:
+// quickly while the first samples come in, slowly after.
 class WakeMargin {
 public:
     static constexpr int64_t kBucketNanoseconds = 10000;    // 10 µs
@@ -18,6 +20,8 @@ public:
     static constexpr int32_t kNarrowDivisor = 128;          // a sample closes 1/128 of the gap to the goal,
     static constexpr int32_t kFirstNarrowDivisor = 8;       // or more while few samples are known
     static constexpr uint32_t kHalfLifeSamples = 1024;
+    static constexpr uint32_t kBurstSamples = 64;
+
 
     WakeMargin() = default;
     explicit WakeMargin(int64_t initialNanoseconds) : margin(initialNanoseconds) {}
@@ -41,6 +45,7 @@ private:
     uint32_t totalWeight = 0;
     uint32_t samples = 0;
     uint32_t sinceDecay = 0;
+    uint32_t lastBeyond = 0;  // the sample count at the last wake-up beyond the margin, 0 for none
     int64_t margin = 0;
 };
 

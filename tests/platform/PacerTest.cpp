@@ -53,11 +53,18 @@ TEST_F(PacerTest, MarginStartsCautiousAndNarrowsToTheLearnedLateness) {
     EXPECT_GE(pacer.Margin(), 60 * kUs + WakeMargin::kPadNanoseconds);
 }
 
-// One late wake-up widens the margin at once; quiet after it narrows it again only slowly.
-TEST_F(PacerTest, ALateWakeUpWidensAtOnceAndQuietNarrowsSlowly) {
+// A lone late wake-up leaves the margin; a burst widens it at once; quiet after it narrows it only slowly.
+TEST_F(PacerTest, ABurstOfLateWakeUpsWidensAtOnceAndQuietNarrowsSlowly) {
     WaitGaps(pacer, 300);
     const int64_t settled = pacer.Margin();
     SteppedSleeps::lateness[0] = 500 * kUs;
+    WaitGaps(pacer, 1, false);
+    EXPECT_EQ(pacer.Margin(), settled);
+    SteppedSleeps::lateness[0] = 60 * kUs;
+    WaitGaps(pacer, static_cast<int>(WakeMargin::kBurstSamples) + 1);
+    SteppedSleeps::lateness[0] = 500 * kUs;
+    WaitGaps(pacer, 1, false);
+    EXPECT_LT(pacer.Margin(), 150 * kUs);
     WaitGaps(pacer, 1, false);
     EXPECT_GE(pacer.Margin(), 500 * kUs + WakeMargin::kPadNanoseconds);
     SteppedSleeps::lateness[0] = 60 * kUs;
