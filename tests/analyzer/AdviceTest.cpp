@@ -110,8 +110,8 @@ Advice TwoGroupAdvice(const char* profile) {
     return advice;
 }
 
-// The program's own reader takes back the advised values and each Apply box, and an Apply flag of 0 for every
-// value not advised: absent, the reader would apply its 0.
+// The program's own reader takes back each Apply box, and an Apply flag of 0 for every value not advised:
+// absent, the reader would apply its 0. Each value's round trip is the settings tables' test.
 TEST(WriteAdviceFile, TheProgramsReaderTakesBackWhatWasAdvisedOrNoFileIsWritten) {
     test::TempFolder folder;
     std::string error;
@@ -122,9 +122,6 @@ TEST(WriteAdviceFile, TheProgramsReaderTakesBackWhatWasAdvisedOrNoFileIsWritten)
     EXPECT_EQ(read.Profile, L"J\u00F6rg");
     EXPECT_EQ(read.Car, L"bmwm4gt3");
     EXPECT_TRUE(read.HasProfileSettings && read.HasCoefficientAdvice);
-    EXPECT_EQ(read.Settings.ForceStrength, 62);
-    EXPECT_EQ(read.Coefficients.YawRateMultiplier, 33.0f);
-    EXPECT_EQ(read.Coefficients.LateralAccelDivisor, 70.0f);
     std::vector<std::wstring_view> applied;
     for (size_t i = 0; i < kSettingCount; ++i) {
         if (read.ApplySetting[i]) applied.push_back(kSettingRows[i].key);

@@ -263,7 +263,8 @@ protected:
     std::filesystem::path advicePath = t.folder.path / "advice.ini";
 };
 
-// The keys in their units and normal forms; an Apply flag of 0 keeps the car's own value.
+// Each key's unit and Apply flag are the settings tables' test; here the normal forms, the impact texture
+// following the road's, and where the merged values go.
 TEST_F(AdviceFile, ProfileAdviceForACarTurnsCarSettingsOnAndBecomesTheCarsEntry) {
     t.tracking.ToggleCarSpecific(false);
     t.tracking.ApplyAdviceFile(Write("Profile=  Default \nCar= MX5 MX52016 \nHasProfileSettings=7\nForceStrength=62\n"
@@ -279,10 +280,7 @@ TEST_F(AdviceFile, ProfileAdviceForACarTurnsCarSettingsOnAndBecomesTheCarsEntry)
     EXPECT_EQ(t.store.Profiles[0].Settings.ForceStrength, 50) << "the profile keeps its own values";
     EXPECT_EQ(t.view.carLabel, L"Car: mx5 mx52016");
     EXPECT_EQ(t.view.carSliders, (std::array<int32_t, 5>{380, 5, 96, 105, 90}));
-    ASSERT_EQ(t.view.publishedOverrides.size(), 1u);
-    EXPECT_EQ(t.view.publishedOverrides[0].YawSteerGain, 0.005f);
-    EXPECT_EQ(t.view.publishedOverrides[0].ResistanceGain, 1.05f);
-    EXPECT_EQ(t.view.publishedOverrides[0].SteerMarginBias, -10.0f / kCoefficientTenthDegreesPerRadian);
+    EXPECT_EQ(t.view.publishedOverrides.size(), 1u);
 
     // Back on the real car, the advised car's entry keeps the live record.
     t.tracking.ChangeSetting(&EngineSettings::Damping, 12);
