@@ -3,16 +3,17 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "TestSignature.h"
 #include "platform/TextConversion.h"
-#include "update/RestartScript.h"
-#include "update/UpdateClient.h"
+#include "update/UpdateFlow.h"
 
-// The manifest check itself, and the download against the live server, run under Wine in
-// UpdateFlowTest_win32.cpp; here is what a server cannot easily be made to do.
+// The manifest check itself, the download against the live server and the restart script run by cmd.exe are
+// the Wine flow test's (UpdateFlowTest_win32.cpp); here is what a server or the machine cannot easily be
+// made to do.
 namespace veltor {
 
 // This test build takes the build tree's throwaway release key (the public half behind d).
@@ -93,7 +94,7 @@ TEST(DownloadUpdateFile, WritesOnlyAnAnswerThatMatchesTheManifestsHash) {
     };
     for (const auto& c : cases) {
         const std::string target = testing::TempDir() + c.target;
-        std::remove(target.c_str());
+        std::ofstream(target) << std::string(64, 'x');  // a longer earlier file, which the body replaces
         const bool ok = *c.error == L'\0';
         std::wstring error;
         const auto get = [&](const std::wstring&, const std::wstring&) { return c.answer; };
@@ -103,19 +104,6 @@ TEST(DownloadUpdateFile, WritesOnlyAnAnswerThatMatchesTheManifestsHash) {
         EXPECT_EQ(std::ifstream(target).good(), ok) << c.target;
         std::remove(target.c_str());
     }
-}
-
-TEST(WriteBytes, ReplacesTheFileWithExactlyTheBytes) {
-    const std::string path = testing::TempDir() + "write_bytes.bin";
-    const std::string bytes("\0\r\n\xFF", 4);
-    for (const std::string& content : {std::string("a longer earlier content"), bytes, std::string()}) {
-        EXPECT_TRUE(WriteBytes(Utf8ToWide(path), std::vector<uint8_t>(content.begin(), content.end())));
-        EXPECT_TRUE(std::ifstream(path).good());
-        EXPECT_EQ(ReadFile(path), content);
-    }
-    EXPECT_FALSE(WriteBytes(Utf8ToWide(testing::TempDir() + "no_such_folder/x.bin"), {1}));
-    EXPECT_FALSE(WriteText(Utf8ToWide(testing::TempDir() + "no_such_folder/x.txt"), "x"));
-    std::remove(path.c_str());
 }
 
 TEST(Sha256, KnownDigestsAcrossTheBlockBoundaries) {
@@ -136,35 +124,87 @@ TEST(Sha256, KnownDigestsAcrossTheBlockBoundaries) {
     EXPECT_FALSE(MatchesSha256({}, L"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b85x"));
 }
 
-// CR LF, no mark, every path quoted, the copies retried ten times, the script deleting itself.
-TEST(RestartScript, TextAndName) {
-    const std::string expected =
-        "@echo off\r\n"
-        "setlocal EnableDelayedExpansion\r\n"
-        "set tries=0\r\n"
-        ":retry_app\r\n"
-        "ping 127.0.0.1 -n 2 >nul\r\n"
-        "copy /Y \"C:\\T\\n.exe\" \"C:\\G r\\G\xC3\xBC.exe\" >nul\r\n"
-        "if errorlevel 1 (\r\n"
-        "  set /a tries+=1\r\n"
-        "  if !tries! GEQ 10 exit /b 1\r\n"
-        "  goto retry_app\r\n"
-        ")\r\n"
-        "set tries=0\r\n"
-        ":retry_analyzer\r\n"
-        "copy /Y \"C:\\T\\na.exe\" \"C:\\G r\\A.exe\" >nul\r\n"
-        "if errorlevel 1 (\r\n"
-        "  set /a tries+=1\r\n"
-        "  if !tries! GEQ 10 exit /b 1\r\n"
-        "  ping 127.0.0.1 -n 2 >nul\r\n"
-        "  goto retry_analyzer\r\n"
-        ")\r\n"
-        "del \"C:\\T\\n.exe\" >nul 2>nul\r\n"
-        "del \"C:\\T\\na.exe\" >nul 2>nul\r\n"
-        "start \"\" \"C:\\G r\\G\xC3\xBC.exe\"\r\n"
-        "del \"%~f0\"\r\n";
-    EXPECT_EQ(RestartScriptText("C:\\T\\n.exe", WideToUtf8(L"C:\\G r\\G\u00fc.exe"), "C:\\T\\na.exe", "C:\\G r\\A.exe"),
-              expected);
+struct ScriptedDesk {
+    bool tempFolder = true;
+    bool scriptStarts = true;
+    std::vector<std::wstring> lines;
+    int questions = 0;
+    bool closed = false;
+
+    HttpResult Get(const std::wstring&, const std::wstring& path) {
+        const std::string manifest =
+            R"({"version":"0.1.0.135","appPath":"/u/Gripline.exe","analyzerPath":"/u/Analyzer.exe","appSha256":")" +
+            test::Sha256Hex("new app") + R"(","analyzerSha256":")" + test::Sha256Hex("new analyzer") + "\"}";
+        const std::string signature = test::SignatureFile(manifest, test::kReleaseKey);
+        const std::map<std::wstring, std::string> answers = {
+            {L"/uploads/veltor/commercial/latest.json?v=0.1.0.134", manifest},
+            {L"/uploads/veltor/commercial/latest.json.sig?v=0.1.0.134", signature},
+            {L"/u/Gripline.exe?v=0.1.0.135", "new app"},
+            {L"/u/Analyzer.exe?v=0.1.0.135", "new analyzer"}};
+        const auto found = answers.find(path);
+        return found != answers.end() ? Answer(200, found->second)
+                                      : Answer(404, "", L"The update server returned HTTP 404.");
+    }
+    void Log(const std::wstring& text) { lines.push_back(text); }
+    bool Ask(const std::wstring&) { return ++questions > 0; }  // always yes
+    std::wstring AppPath() { return L"C:\\Gripline\\Gripline.exe"; }
+    std::wstring AnalyzerPath() { return L"C:\\Gripline\\Veltor Commercial Analyzer.exe"; }
+    bool TempFolder(std::wstring& folder) {
+        folder = Utf8ToWide(testing::TempDir());
+        return tempFolder;
+    }
+    bool StartRestartScript(const std::wstring&, const std::wstring&, const std::wstring&, const std::wstring&,
+                            std::wstring& error) {
+        error = kScriptStartError;
+        return scriptStarts;
+    }
+    void Close() { closed = true; }
+};
+
+// The flow runs in the real program against the test server under Wine, with the notice at start, every
+// failure the server can play and the restart. Here are the stages after the question that only the machine
+// can make fail: the program must stay, and say why.
+TEST(UpdateFlow, AStageThatFailsOnTheMachineEndsInItsLineAndKeepsTheProgram) {
+    const struct {
+        const char* name;
+        bool tempFolder;
+        bool scriptStarts;
+        std::vector<std::wstring> lines;
+        int questions;
+    } cases[] = {
+        {"temporary folder", false, true,
+         {L"Checking for Commercial updates...", L"Update failed: could not resolve a temporary path."}, 0},
+        {"script", true, false,
+         {L"Checking for Commercial updates...", L"Downloading Gripline.exe v0.1.0.135...",
+          L"Downloading Analyzer.exe v0.1.0.135...",
+          L"Update downloaded but restart failed: Could not start the updater restart script."},
+         1},
+    };
+    for (const auto& c : cases) {
+        ScriptedDesk desk;
+        desk.tempFolder = c.tempFolder;
+        desk.scriptStarts = c.scriptStarts;
+        RunUpdate(desk);
+        EXPECT_EQ(desk.lines, c.lines) << c.name;
+        EXPECT_EQ(desk.questions, c.questions) << c.name;
+        EXPECT_FALSE(desk.closed) << c.name;
+    }
+}
+
+TEST(RestartScript, PathsThatCmdReadsBackAsWritten) {
+    const struct {
+        const wchar_t* path;
+        bool safe;
+    } cases[] = {
+        {L"C:\\Program Files (x86)\\Gripline\\Gripline.exe", true},
+        {L"C:\\Games & Co\\G~1\\Gripline.exe", true},
+        {L"C:\\Users\\J\u00fcrgen\\Gripline.exe", false},
+        {L"C:\\100%\\Gripline.exe", false},
+        {L"C:\\Wow!\\Gripline.exe", false},
+        {L"", false},
+    };
+    for (const auto& c : cases) EXPECT_EQ(IsScriptSafePath(c.path), c.safe) << WideToUtf8(c.path);
+    // GetTickCount's value beyond INT32_MAX names the script as it is.
     EXPECT_EQ(RestartScriptPath(L"C:\\T\\", 4000000000u), L"C:\\T\\Veltor-Commercial-Update-4000000000.cmd");
 }
 
