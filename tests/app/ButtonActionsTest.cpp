@@ -53,10 +53,5 @@ TEST(ButtonBinding, TheStoreKeepsTheBindingsInItsSectionThroughASave) {
     EXPECT_EQ(broken.Bindings, (ButtonBindings{ParseButtonBinding(kWheel), ButtonBinding{}, ButtonBinding{}}));
 }
 
-TEST(ButtonBinding, AStepFromTheWheelIsLoggedWithTheSlidersValueText) {
-    EXPECT_EQ(SteppedFromWheelLine(SettingRowOf(&EngineSettings::ForceStrength), 51),
-              L"Force strength set to 51% from the wheel.");
-}
-
 }  // namespace
 }  // namespace veltor

@@ -56,16 +56,9 @@ TEST(StatusReport, EachNewReportReachesTheLogOnceAndDebugReportsWaitForTheSwitch
                                                    L"Consider lowering Force strength to reduce clipping."}));
 }
 
-TEST(StatusReport, DirectInputFailuresAreNamedOrUnknown) {
-    const std::pair<uint32_t, const wchar_t*> codes[] = {{0x8007001Eu, L"(DIERR_INPUTLOST)"},
-                                                         {0x8007000Cu, L"(DIERR_NOTACQUIRED)"},
-                                                         {0x80040208u, L"(DIERR_EFFECTPLAYING)"},
-                                                         {0x80004005u, L"(unknown)"},
-                                                         {0u, L"(unknown)"}};
-    for (const auto& [code, name] : codes) {
-        const std::wstring line = DirectInputErrorLine(code);
-        EXPECT_EQ(line.substr(line.size() - std::wstring(name).size()), name) << code;
-    }
+// The names themselves reach the log in the session test (and above); here the code beyond the table.
+TEST(StatusReport, DirectInputFailuresOutsideTheTableAreUnknown) {
+    EXPECT_EQ(DirectInputErrorLine(0x80004005u), L"DirectInput FFB error: 0x80004005 (unknown)");
     EXPECT_EQ(DirectInputErrorLine(0x1Eu), L"DirectInput FFB error: 0x0000001E (unknown)");
 }
 

@@ -136,10 +136,9 @@ TEST(ButtonCapture, FiveSecondsWithoutAPressEndIt) {
     EXPECT_FALSE(c.bound.IsSet());
 }
 
-TEST(WheelButtons, TheDialogNamesTheControllerAndTheButtonFromOne) {
-    EXPECT_EQ(BindingLabel(BindingOf(kWheel, 3), L"Wheel"), L"Wheel, button 4");
+// A bound controller's name and "Not bound" are the dialog's test under Wine; a controller gone has no name.
+TEST(WheelButtons, TheDialogNamesAControllerThatIsGone) {
     EXPECT_EQ(BindingLabel(BindingOf(kWheel, 0), L""), L"Not connected, button 1");
-    EXPECT_EQ(BindingLabel(ButtonBinding{}, L"Wheel"), L"Not bound");
 }
 
 }  // namespace
