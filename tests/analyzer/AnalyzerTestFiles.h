@@ -11,8 +11,6 @@
 
 namespace veltor::test {
 
-inline const std::string kSampleTelemetry = std::string(VELTOR_DATA_DIR) + "/telemetry/mercedesamggt4_sample.ibt";
-
 inline RecordingHeader SampleHeader() {
     return MakeRecordingHeader(L"bmwm4gt3", L"Test Driver", L"Driver 1", EngineSettings{}, kUnmatchedCarRow,
                                1700000000000ull);

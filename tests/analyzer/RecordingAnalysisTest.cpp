@@ -1,7 +1,8 @@
-// Findings over made-up records whose answers are known: percentiles, stretches, gaps, plot data.
+// Findings over made-up records whose answers are known: percentiles, stretches, gaps, plot data, the date.
 #include <gtest/gtest.h>
 
 #include "AnalyzerTestFiles.h"
+#include "analyzer/AnalysisReport.h"
 #include "analyzer/PlotData.h"
 #include "analyzer/RecordingAnalysis.h"
 
@@ -66,6 +67,23 @@ TEST(PlotData, EveryPeakSurvivesDecimationAndTheHistogramBinsByShareOfFullScale)
     EXPECT_EQ(bins[16], 1u);  // 33 / 40 = 0.825 of full scale, bins 0.05 wide
     EXPECT_EQ(bins[6], 1u);   // |-12| / 40 = 0.3
     EXPECT_EQ(bins[0], 6000u - 4u);
+}
+
+// The report's dates: the header's start time in UTC, whatever a file holds.
+TEST(FormatStartTime, GivesTheUtcDateOrUnknown) {
+    const struct {
+        uint64_t ms;
+        const char* text;
+    } cases[] = {
+        {0, "unknown"},
+        {1, "1970-01-01 00:00:00 UTC"},
+        {951782400000ull, "2000-02-29 00:00:00 UTC"},
+        {1700000000999ull, "2023-11-14 22:13:20 UTC"},
+        {253402300799999ull, "9999-12-31 23:59:59 UTC"},
+        {253402300800000ull, "unknown"},
+        {UINT64_MAX, "unknown"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(FormatStartTime(c.ms), c.text) << c.ms;
 }
 
 }  // namespace

@@ -1,20 +1,16 @@
-// The recording reader over cut and hostile recordings, and over one the engine makes from real telemetry.
+// The recording reader over cut and hostile recordings; a telemetry file recorded through the engine is read
+// back whole in the coefficient fit's test.
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <vector>
 
 #include "AnalyzerTestFiles.h"
-#include "analyzer/AnalyzerInput.h"
-#include "analyzer/RecordingAnalysis.h"
 #include "analyzer/RecordingReader.h"
 
 namespace veltor::analyzer {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(ParseRecording, RefusesWhatCannotBeARecordingWithItsReason) {
     struct Case {
@@ -82,23 +78,6 @@ TEST(HeaderText, StopsAtTheNulOrBeforeACharacterCutAtTheFieldsEndAndMasksControl
     EXPECT_EQ(HeaderText(header.carPath), std::string(63, 'a'));
     EXPECT_EQ(HeaderText(header.driverName), "Line?Break?");
     EXPECT_EQ(HeaderText(header.profileName), std::string(60, 'a') + "\xC3\xB6");
-}
-
-// A telemetry file is recorded on the spot by the replay's own run and read back through the reader, whole.
-TEST(OpenForAnalysis, RecordsRealTelemetryThroughTheEngineAndReadsItBackWhole) {
-    if (!fs::exists(test::kSampleTelemetry)) GTEST_SKIP() << "sample telemetry absent: " << test::kSampleTelemetry;
-    Recording whole;
-    std::string error;
-    ASSERT_TRUE(OpenForAnalysis(test::kSampleTelemetry, [](std::wstring_view) { return OfflineSettings{}; }, whole,
-                                error))
-        << error;
-    EXPECT_EQ(whole.samples.size(), 3371u);
-    EXPECT_EQ(HeaderText(whole.header.carPath), "mercedesamggt4");
-    EXPECT_EQ(HeaderText(whole.header.profileName), "Default");
-    EXPECT_EQ(whole.cutBytes + whole.nonFiniteRecords, 0u);
-    const Analysis analysis = AnalyseRecording(whole);
-    EXPECT_NEAR(analysis.durationSeconds, 56.2, 0.05);
-    EXPECT_TRUE(analysis.gaps.empty());
 }
 
 }  // namespace

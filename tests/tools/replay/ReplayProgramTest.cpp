@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -47,41 +46,22 @@ protected:
     std::string out, err;
 };
 
-// Both modes: the identity line, one row per output (six or twelve per record on track) within the
-// hand-over range, and with a recording, one record per tick timed by the file's 60 Hz.
-TEST_F(ReplayProgramTest, RunsTheSampleInBothModesWithOneRecordPerTick) {
+// The force rows and the records (time stamps aside) are pinned value for value by the replay check
+// (../shared/checks/replay-unchanged), which runs this program the same way; here is what it leaves out: the
+// identity line, the recording's header and time stamps, and another car's row.
+TEST_F(ReplayProgramTest, PrintsTheIdentityAndRecordsTheHeaderAndTheFilesTimes) {
     if (!fs::exists(kSample)) GTEST_SKIP() << "sample telemetry absent: " << kSample;
-    for (const int mode : {0, 1}) {
-        ASSERT_EQ(Replay("--ibt " + kSample + " --mode " + std::to_string(mode) + " --csv " + Path("a.csv") +
-                         " --record " + Path("a.vtrrec")),
-                  0)
-            << err;
-        EXPECT_EQ(out, "identity car=mercedesamggt4 driver=Sample Driver GT4 userId=100064 known=1\n");
-        std::istringstream csv(ReadText(Path("a.csv")));
-        std::string line;
-        std::getline(csv, line);
-        EXPECT_EQ(line, "frame,output,force");
-        size_t ticks = 0, rows = 0;
-        int previousFrame = -1;
-        for (int frame, output, force; std::getline(csv, line); ++rows) {
-            ASSERT_EQ(std::sscanf(line.c_str(), "%d,%d,%d", &frame, &output, &force), 3) << line;
-            ASSERT_TRUE(frame >= previousFrame && output >= -1 && output < (mode == 0 ? 6 : 12)) << line;
-            ASSERT_LE(std::abs(force), 9996) << line;
-            ticks += output == 0 ? 1 : 0;
-            previousFrame = frame;
-        }
-        EXPECT_GT(rows, ticks * (mode == 0 ? 5 : 11));
-        const std::string recording = ReadText(Path("a.vtrrec"));
-        ASSERT_EQ((recording.size() - 380) % 88, 0u);
-        EXPECT_EQ((recording.size() - 380) / 88, ticks);
-        RecordingHeader header;
-        std::memcpy(&header, recording.data(), sizeof header);
-        EXPECT_STREQ(header.profileName, "Replay");
-        EXPECT_EQ(header.LateralAccelDivisor, 70.0f);  // the car's catalogue row
-        RecordingSample first;
-        std::memcpy(&first, recording.data() + 380, sizeof first);
-        EXPECT_EQ(first.timeMicroseconds, static_cast<uint64_t>(first.tickCount) * 16666u);
-    }
+    ASSERT_EQ(Replay("--ibt " + kSample + " --csv " + Path("a.csv") + " --record " + Path("a.vtrrec")), 0) << err;
+    EXPECT_EQ(out, "identity car=mercedesamggt4 driver=Sample Driver GT4 userId=100064 known=1\n");
+    const std::string recording = ReadText(Path("a.vtrrec"));
+    ASSERT_GE(recording.size(), sizeof(RecordingHeader) + sizeof(RecordingSample));
+    RecordingHeader header;
+    std::memcpy(&header, recording.data(), sizeof header);
+    EXPECT_STREQ(header.profileName, "Replay");
+    EXPECT_EQ(header.LateralAccelDivisor, 70.0f);  // the car's catalogue row
+    RecordingSample first;
+    std::memcpy(&first, recording.data() + sizeof header, sizeof first);
+    EXPECT_EQ(first.timeMicroseconds, static_cast<uint64_t>(first.tickCount) * 16666u);
     ASSERT_EQ(Replay("--ibt " + kSample + " --car rt2000 --csv " + Path("b.csv")), 0) << err;
     EXPECT_EQ(out.rfind("identity car=rt2000 ", 0), 0u) << out;
     EXPECT_NE(ReadText(Path("a.csv")), ReadText(Path("b.csv")));  // the grip model reads the car's row
