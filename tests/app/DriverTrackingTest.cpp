@@ -1,63 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "ProfileStoreFolder.h"
-#include "app/DriverTracking.h"
+#include "TrackingView.h"
+#include "app/CommandLine.h"
 #include "profiles/IniEncoding.h"
 
 namespace veltor {
 namespace {
 
 using test::ProfileStoreFolder;
-
-// A view for DriverTracking that keeps what reached the controls, the session log and the engine.
-struct TrackingView {
-    void ShowSettings(const EngineSettings& settings) { shown = settings; }
-    void ShowCarPanel(std::wstring_view label, const std::array<int32_t, kCoefficientCount>& values) {
-        carLabel = label;
-        carSliders = values;
-    }
-    void ShowProfileList(const std::vector<DriverProfile>& profiles, int32_t selected) {
-        profileItems.clear();
-        for (const DriverProfile& profile : profiles) profileItems.push_back(profile.Name);
-        selectedItem = selected;
-    }
-    void ShowCarSpecificCheck(bool checked) { carCheck = checked; }
-    void ShowTorqueField(int32_t tenths) { torqueText = TorqueFieldText(tenths); }
-    std::wstring ReadProfileNameText() const { return nameText; }
-    std::wstring ReadTorqueText() const { return torqueText; }
-    void AppendLog(const std::wstring& line) { log.push_back(line); }
-    void PublishSettings(const EngineSettings& settings) {
-        published = settings;
-        ++settingsPublications;
-    }
-    void PublishOverrides(const std::vector<CarCoefficients>& overrides) {
-        publishedOverrides = overrides;
-        ++overridePublications;
-    }
-
-    std::wstring LastLog() const { return log.empty() ? L"" : log.back(); }
-
-    EngineSettings shown;
-    std::wstring carLabel;
-    std::array<int32_t, kCoefficientCount> carSliders{};
-    std::vector<std::wstring> profileItems;
-    int32_t selectedItem = -1;
-    bool carCheck = false;
-    std::wstring torqueText;
-    std::wstring nameText;  // what the user typed in the profile box
-    std::vector<std::wstring> log;
-    EngineSettings published;
-    std::vector<CarCoefficients> publishedOverrides;
-    int settingsPublications = 0;
-    int overridePublications = 0;
-};
+using test::TrackingView;
 
 // A store over a file of its own (holding `bytes`, if any), loaded as at start-up, with the view on it.
 struct TrackedStore {
@@ -250,6 +207,25 @@ TEST(DriverTracking, DriverDisplayNamePrefersTheStoredNameThenAKnownNameThenTheA
         EXPECT_EQ(t.tracking.DriverDisplayName(status), c.shown) << c.name << c.id;
     }
 }
+
+// The advice file a second start hands over comes from its command line.
+TEST(CommandLine, AdvicePathIsTheArgumentBehindTheFirstOptionThatHasOne) {
+    const struct {
+        std::vector<std::wstring> arguments;
+        const wchar_t* path;
+    } cases[] = {
+        {{L"Gripline.exe"}, L""},
+        {{L"Gripline.exe", L"--apply-advice", L"C:\\a.ini"}, L"C:\\a.ini"},
+        {{L"Gripline.exe", L"--APPLY-Advice", L"C:\\a.ini"}, L"C:\\a.ini"},
+        {{L"Gripline.exe", L"--apply-advice"}, L""},
+        {{L"Gripline.exe", L"x", L"--apply-advice", L"a.ini", L"--apply-advice", L"b.ini"}, L"a.ini"},
+        {{L"--apply-advice", L"a.ini"}, L""},  // the program's own name is not an option
+        {{L"Gripline.exe", L"--apply-advicex", L"a.ini"}, L""},
+        {{L"Gripline.exe", L"--apply-advİce", L"a.ini"}, L""},  // only A to Z fold
+    };
+    for (const auto& c : cases) EXPECT_EQ(FindAdvicePath(c.arguments), c.path) << c.arguments.size();
+}
+
 
 class AdviceFile : public ::testing::Test {
 protected:

@@ -2,7 +2,6 @@
 // table is checked here without a case of its own.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cwctype>
 #include <string>
 #include <utility>
@@ -10,7 +9,7 @@
 
 #include "ProfileStoreFolder.h"
 #include "analyzer/AdviceFile.h"
-#include "app/DriverTracking.h"
+#include "../app/TrackingView.h"
 
 namespace veltor {
 namespace {
@@ -74,29 +73,15 @@ std::wstring AdviceText(const SettingRow* setting, const CoefficientRow* coeffic
     return ini.Serialize();
 }
 
-// The store is what this test reads; the window's side of the tracking shows and publishes nothing.
-struct NoView {
-    void ShowSettings(const EngineSettings&) {}
-    void ShowCarPanel(std::wstring_view, const std::array<int32_t, kCoefficientCount>&) {}
-    void ShowProfileList(const std::vector<DriverProfile>&, int32_t) {}
-    void ShowCarSpecificCheck(bool) {}
-    void ShowTorqueField(int32_t) {}
-    std::wstring ReadProfileNameText() { return {}; }
-    std::wstring ReadTorqueText() { return {}; }
-    void AppendLog(const std::wstring&) {}
-    void PublishSettings(const EngineSettings&) {}
-    void PublishOverrides(const std::vector<CarCoefficients>&) {}
-};
-
 // The advice read and merged by the program into a fresh store.
 State Merged(const std::wstring& adviceText) {
     test::ProfileStoreFolder folder;
     ProfileStore store(folder.IniPath());
     store.LoadProfiles();
-    NoView view;
+    test::TrackingView view;  // the store is what this test reads
     AnalyzerAdvice advice;
     EXPECT_TRUE(ParseAdvice(IniDocument::Parse(adviceText), advice));
-    DriverTracking<NoView>(store, view).ApplyAdvice(advice);
+    DriverTracking<test::TrackingView>(store, view).ApplyAdvice(advice);
     return {store.CurrentSettings, store.GetCoefficients(kCar)};
 }
 
