@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "AnalyzerTestFiles.h"
 #include "analyzer/AnalyzerCommand.h"
@@ -14,11 +13,6 @@ namespace fs = std::filesystem;
 
 CommandOutcome Analyze(const std::vector<std::string>& args) {
     return RunAnalyzer(args, "veltor-analyzer", [](std::wstring_view) { return OfflineSettings{}; });
-}
-
-void WriteFile(const fs::path& path, const std::vector<uint8_t>& bytes) {
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<std::streamsize>(bytes.size()));
 }
 
 // 20 s at a constant force: 44.4 Nm clips a force strength of 50, 36 Nm sits at 90 % of it.
@@ -34,10 +28,10 @@ TEST(RunAnalyzer, AnswersEachCommandLineWithItsExitCodeMessageAndFile) {
     const std::string quiet = (folder.path / "quiet.vtrrec").string();
     const std::string junk = (folder.path / "junk.vtrrec").string();
     const std::string junkTelemetry = (folder.path / "junk.IBT").string();
-    WriteFile(clipping, SteadyForce(44.4f));
-    WriteFile(quiet, SteadyForce(36.0f));
-    WriteFile(junk, std::vector<uint8_t>(500, 'x'));
-    WriteFile(junkTelemetry, std::vector<uint8_t>(500, 'x'));
+    test::WriteFile(clipping, SteadyForce(44.4f));
+    test::WriteFile(quiet, SteadyForce(36.0f));
+    test::WriteFile(junk, std::vector<uint8_t>(500, 'x'));
+    test::WriteFile(junkTelemetry, std::vector<uint8_t>(500, 'x'));
     const std::string advice = (folder.path / "advice.ini").string();
     const std::string noAdvice = (folder.path / "none.ini").string();
     const std::string unwritable = (folder.path / "missing" / "advice.ini").string();

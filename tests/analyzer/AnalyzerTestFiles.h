@@ -1,6 +1,8 @@
 #pragma once
 // Recordings and folders the analyzer's tests build on.
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,11 @@ inline std::vector<uint8_t> RecordingBytes(const std::vector<RecordingSample>& s
     std::memcpy(bytes.data(), &header, sizeof header);
     if (!samples.empty()) std::memcpy(bytes.data() + sizeof header, samples.data(), samples.size() * sizeof samples[0]);
     return bytes;
+}
+
+inline void WriteFile(const std::filesystem::path& path, const std::vector<uint8_t>& bytes) {
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
+                                                static_cast<std::streamsize>(bytes.size()));
 }
 
 // A fresh folder, removed with everything in it; the program's store would lie there as IniFile().

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 
 #include "AnalyzerTestFiles.h"
 #include "GripDrive.h"
@@ -23,8 +22,7 @@ Recording RecordDrive(const sim::CarBehaviour& behaviour, double seconds, size_t
     const std::vector<uint8_t> bytes = sim::MakeIbtFile(frames, sim::BuildSessionInfo(sim::IdentityCase::Plain, 0));
     test::TempFolder folder;
     const std::filesystem::path file = folder.path / "drive.ibt";
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<std::streamsize>(bytes.size()));
+    test::WriteFile(file, bytes);
     Recording recording;
     std::string error;
     EXPECT_TRUE(RecordTelemetryFile(file, [](std::wstring_view) { return OfflineSettings{}; }, recording, error))

@@ -46,10 +46,8 @@ TEST(StoredSettingsForCar, TakesTheSelectedProfileItsCarEntryAndTheOverridesOrTh
     }
 
     const std::filesystem::path drive = folder.path / "drive.ibt";
-    const std::vector<uint8_t> bytes = sim::MakeIbtFile(sim::MakeGripDrive({}, 2.0),
-                                                        sim::BuildSessionInfo(sim::IdentityCase::Plain, 0));
-    std::ofstream(drive, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                 static_cast<std::streamsize>(bytes.size()));
+    test::WriteFile(drive,
+                    sim::MakeIbtFile(sim::MakeGripDrive({}, 2.0), sim::BuildSessionInfo(sim::IdentityCase::Plain, 0)));
     Recording recording;
     std::string error;
     const auto settingsForCar = [&](std::wstring_view car) { return StoredSettingsForCar(ini.wstring(), car); };
