@@ -111,7 +111,8 @@ TEST_F(DrivingSession, StartRunsTheEngineOnTheSimulatorAndTheStripFollowsIt) {
 }
 
 // A strength far beyond the slider's range, as advice may give it: the slider shows its end, the engine
-// runs on the number and clips.
+// runs on the number and clips. How the second start ends and leaves the file is the single instance
+// test's.
 TEST_F(DrivingSession, AdviceFromASecondInstanceReachesTheRunningEngine) {
     const std::wstring advice = program->folder.Path + L"\\strong.ini";
     ASSERT_TRUE(WriteTextFile(advice, "[Advice]\r\nVersion=1\r\nCar=BMWM4GT3\r\nHasProfileSettings=1\r\n"
@@ -119,8 +120,6 @@ TEST_F(DrivingSession, AdviceFromASecondInstanceReachesTheRunningEngine) {
                                       "ApplySuspensionImpactTexture=0\r\nApplySuspensionDetailPriority=0\r\n"
                                       "ApplyAbsVibration=0\r\n"));
     Process second(program->folder.Exe, L"--apply-advice \"" + advice + L"\"");
-    EXPECT_EQ(second.WaitForExit(), 0);
-    EXPECT_FALSE(FileExists(advice));
     EXPECT_TRUE(program->WaitForLog({L"Analyzer advice applied to profile Default for car bmwm4gt3.\r\n"}));
     EXPECT_EQ(program->ValueText(1101), L"100%");
 }
