@@ -128,7 +128,9 @@ TEST(EngineHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRe
     // The drive's changing force reaches the wheel. The warm-up and the slew limits are the wheel output's
     // host tests', on a stepped clock.
     std::set<long> distinct;
-    for (const LogLine& line : log) distinct.insert(line.Is("SetParameters") ? line.Magnitude() : 0);
+    for (const LogLine& line : log) {
+        if (line.Is("SetParameters")) distinct.insert(line.Magnitude());
+    }
     EXPECT_GT(distinct.size(), 50u);
 }
 
