@@ -22,10 +22,10 @@ std::wstring RunValue() {
     return read == ERROR_SUCCESS ? value : L"(none)";
 }
 
-class ProfileCommands : public ::testing::Test {
+class ProfileCommands : public OneRun {
 protected:
     static void SetUpTestSuite() {
-        program = new RunningProgram(VELTOR_GRIPLINE_EXE);
+        program = std::make_unique<RunningProgram>(VELTOR_GRIPLINE_EXE);
         advice = program->folder.Path + L"\\advice from the analyzer.ini";
         WriteTextFile(advice,
                       "[Advice]\r\nVersion=1\r\nProfile=Default\r\nCar=mx5 mx52016\r\nHasProfileSettings=1\r\n"
@@ -35,15 +35,8 @@ protected:
                       "ApplyLateralAccelDivisor=0\r\nApplyResistanceGain=0\r\nApplySteerMarginBias=0\r\n");
         started = program->Start(L"--apply-advice \"" + advice + L"\"");
     }
-    static void TearDownTestSuite() {
-        delete program;
-        program = nullptr;
-    }
-    void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
 
-    static inline RunningProgram* program = nullptr;
     static inline std::wstring advice;
-    static inline bool started = false;
 };
 
 TEST_F(ProfileCommands, AdviceOnTheCommandLineIsAppliedBeforeTheWheelsAreListedAndDeleted) {
@@ -136,13 +129,10 @@ TEST_F(ProfileCommands, NewAndSaveUseTheTypedNameToAddRenameOverwriteOrKeep) {
 
 TEST_F(ProfileCommands, ClosingSavesProfilesCarEntriesAndOverrides) {
     EXPECT_EQ(program->Close(), 0);
-    const std::wstring ini = IniText(program->folder);
-    for (const wchar_t* expected :
-         {L"[Profiles]\r\nCount=2\r\nSelected=1", L"[Profile0]\r\nName=default", L"[Profile1]\r\nName=Fast Lap",
-          L"WheelbaseMaxTorqueTenths=125", L"[CarProfile1_mx5_mx52016]\r\nExists=1\r\nCar=mx5 mx52016",
-          L"MinForce=20", L"[Coefficient0]\r\nCar=mx5 mx52016\r\nYawRateMultiplierTenth=380"}) {
-        EXPECT_NE(ini.find(expected), std::wstring::npos) << std::string(expected, expected + wcslen(expected));
-    }
+    IniHolding(program->folder, {L"[Profiles]\r\nCount=2\r\nSelected=1", L"[Profile0]\r\nName=default",
+                                 L"[Profile1]\r\nName=Fast Lap", L"WheelbaseMaxTorqueTenths=125",
+                                 L"[CarProfile1_mx5_mx52016]\r\nExists=1\r\nCar=mx5 mx52016", L"MinForce=20",
+                                 L"[Coefficient0]\r\nCar=mx5 mx52016\r\nYawRateMultiplierTenth=380"});
 }
 
 }  // namespace

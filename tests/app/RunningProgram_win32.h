@@ -4,6 +4,8 @@
 // for what the program shows, under a generous deadline.
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -100,12 +102,14 @@ public:
     HWND log = nullptr;  // the session log panel, the last child
 };
 
-// The folder's INI file as text: the store writes UTF-16 with its mark.
-inline std::wstring IniText(const ProgramFolder& folder) {
+// The folder's INI file as text (the store writes UTF-16 with its mark), expected to hold each of `parts`.
+inline std::wstring IniHolding(const ProgramFolder& folder, std::initializer_list<std::wstring> parts) {
     const std::string bytes = ReadAll(std::filesystem::path(folder.Path) / L"Veltor_profiles.ini");
     std::wstring text(bytes.size() / 2, L'\0');
     std::memcpy(text.data(), bytes.data(), text.size() * 2);
-    return text.size() > 0 && text[0] == 0xFEFF ? text.substr(1) : text;
+    if (text.size() > 0 && text[0] == 0xFEFF) text.erase(0, 1);
+    for (const std::wstring& part : parts) EXPECT_NE(text.find(part), std::wstring::npos) << part;
+    return text;
 }
 
 // A file written for the program to read, in the system's code page.
@@ -114,5 +118,32 @@ inline bool WriteTextFile(const std::wstring& path, const std::string& text) {
 }
 
 inline bool FileExists(const std::wstring& path) { return std::filesystem::exists(path); }
+
+// A suite whose tests follow each other through one run of the program, made and started by the suite's
+// SetUpTestSuite; at the end the simulator goes first, as its output file lies in the program's folder.
+class OneRun : public ::testing::Test {
+protected:
+    static void TearDownTestSuite() {
+        simulator.reset();
+        program.reset();
+    }
+    void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
+
+    // The virtual wheel beside the copy, as its dinput8.dll; the path of the wheel's call log comes back.
+    static std::wstring AddVirtualWheel(const char* dll) {
+        CopyFileW(ProgramPath(dll).c_str(), (program->folder.Path + L"\\dinput8.dll").c_str(), FALSE);
+        const std::wstring log = program->folder.Path + L"\\wheel.log";
+        SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", log.c_str());
+        return log;
+    }
+    static bool StartSimulator(const char* exe, const wchar_t* options) {
+        simulator = std::make_unique<Process>(ProgramPath(exe), options, program->folder.Path + L"\\simulator.txt");
+        return simulator->started;
+    }
+
+    static inline std::unique_ptr<RunningProgram> program;
+    static inline std::unique_ptr<Process> simulator;
+    static inline bool started = false;
+};
 
 }  // namespace veltor::test

@@ -6,10 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <memory>
 #include <string>
 
-#include "ChildProcess_win32.h"
 #include "RunningProgram_win32.h"
 #include "SaveDialog_win32.h"
 #include "Screenshot_win32.h"
@@ -44,24 +42,15 @@ RECT MeterBar(const Screenshot& shot) {
 }
 RECT MeterText(const Screenshot& shot) { return {shot.width - 16 - 96, shot.height - 27, shot.width - 16, shot.height}; }
 
-class WheelButtons : public ::testing::Test {
+class WheelButtons : public OneRun {
 protected:
     static void SetUpTestSuite() {
-        program = new RunningProgram(VELTOR_GRIPLINE_EXE);
-        const std::wstring& folder = program->folder.Path;
-        CopyFileW(ProgramPath(VELTOR_VIRTUAL_WHEEL_DLL).c_str(), (folder + L"\\dinput8.dll").c_str(), FALSE);
-        buttonFile = folder + L"\\buttons.txt";
-        wheelLog = folder + L"\\wheel.log";
+        program = std::make_unique<RunningProgram>(VELTOR_GRIPLINE_EXE);
+        wheelLog = AddVirtualWheel(VELTOR_VIRTUAL_WHEEL_DLL);
+        buttonFile = program->folder.Path + L"\\buttons.txt";
         SetEnvironmentVariableW(L"VIRTUALWHEEL_BUTTON_FILE", buttonFile.c_str());
-        SetEnvironmentVariableW(L"VIRTUALWHEEL_LOG", wheelLog.c_str());
         started = program->Start();
     }
-    static void TearDownTestSuite() {
-        simulator.reset();
-        delete program;
-        program = nullptr;
-    }
-    void SetUp() override { ASSERT_TRUE(started) << "no painted window"; }
 
     // A new plan for the virtual controllers; each text differs from the last, so the wheel starts it anew.
     static void Plan(const std::string& plan) {
@@ -87,11 +76,8 @@ protected:
                program->ValueText(kStrengthSlider) == std::to_wstring(percent) + L"%";
     }
 
-    static inline RunningProgram* program = nullptr;
-    static inline std::unique_ptr<Process> simulator;
     static inline std::wstring buttonFile;
     static inline std::wstring wheelLog;
-    static inline bool started = false;
 };
 
 TEST_F(WheelButtons, TheDialogBindsTheNextButtonPressedOnAnyController) {
@@ -122,9 +108,7 @@ TEST_F(WheelButtons, TheMeterShowsTheForceOnlyWhileTheEngineRuns) {
         << "nothing before Start";
 
     program->Flip(1012);  // debug logging tells when the car is on track
-    simulator = std::make_unique<Process>(ProgramPath(VELTOR_SIMULATOR_EXE), kSimulatorOptions,
-                                          program->folder.Path + L"\\simulator.txt");
-    ASSERT_TRUE(simulator->started);
+    ASSERT_TRUE(StartSimulator(VELTOR_SIMULATOR_EXE, kSimulatorOptions));
     program->Press(1001);
     ASSERT_TRUE(program->WaitForLog({L"FFB engine started.\r\n", L"Telemetry: On track.\r\n"}));
     // The bar fills in the slider's blue, or red while clipping, under a white peak mark.
@@ -164,12 +148,10 @@ TEST_F(WheelButtons, TheRecordingButtonStartsAndStopsARecording) {
 
 TEST_F(WheelButtons, ClosingSavesTheBindingsAndTheStrength) {
     EXPECT_EQ(program->Close(), 0);
-    const std::wstring ini = IniText(program->folder);
-    for (const wchar_t* expected : {L"[Buttons]", L"StrengthUp={56454C54-5749-4845-454C-000000000001},3",
-                                    L"StrengthDown={56454C54-4255-5454-4F4E-424F58000001},2",
-                                    L"ToggleRecording={56454C54-4255-5454-4F4E-424F58000001},5"}) {
-        EXPECT_NE(ini.find(expected), std::wstring::npos) << std::string(expected, expected + wcslen(expected));
-    }
+    const std::wstring ini =
+        IniHolding(program->folder, {L"[Buttons]", L"StrengthUp={56454C54-5749-4845-454C-000000000001},3",
+                                     L"StrengthDown={56454C54-4255-5454-4F4E-424F58000001},2",
+                                     L"ToggleRecording={56454C54-4255-5454-4F4E-424F58000001},5"});
     // The car seen on track owns the live record by then.
     EXPECT_NE(ini.find(L"ForceStrength=49", ini.find(L"[CarProfile0_")), std::wstring::npos);
 }

@@ -12,7 +12,6 @@
 namespace veltor::test {
 
 constexpr DWORD kWindowTimeoutMs = 60000;  // a cold Wine prefix starts slowly
-constexpr DWORD kStartTimeoutMs = kWindowTimeoutMs;
 
 // The build tree's paths are Unix paths when the tests run under Wine: its drive Z: is the root.
 inline std::wstring ProgramPath(const char* text) {

@@ -8,6 +8,7 @@
 #include <map>
 #include <vector>
 
+#include "ChildProcess_win32.h"
 #include "ui/CheckboxControl.h"
 #include "ui/SliderControl.h"
 
@@ -46,14 +47,10 @@ LRESULT CALLBACK RecordingParent(HWND window, UINT message, WPARAM wParam, LPARA
 
 // Dispatches everything queued, paints included; true once `done` holds, false after the deadline.
 bool PumpUntil(const std::function<bool()>& done) {
-    const ULONGLONG until = GetTickCount64() + 30000;
-    for (;;) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-        if (done()) return true;
-        if (GetTickCount64() > until) return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-    }
+    return veltor::test::WaitUntil([&] {
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+        return done();
+    }, 30000);
 }
 
 class CustomControls : public ::testing::Test {

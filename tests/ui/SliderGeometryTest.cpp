@@ -31,9 +31,7 @@ TEST(SliderGeometry, KnobFollowsTheValueAndStandsBeyondTheTrackOutsideTheRange) 
         {0, 0, 100, 10}, {100, 0, 100, 234}, {50, 0, 100, 122}, {440, 100, 700, 137},
         {150, 0, 100, 346}, {-20, 0, 100, -34}, {5, 5, 5, 10},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(SliderKnobX(c.value, c.minimum, c.maximum, kWidth), c.knob) << c.value;
-    }
+    for (const auto& c : cases) EXPECT_EQ(SliderKnobX(c.value, c.minimum, c.maximum, kWidth), c.knob) << c.value;
 }
 
 TEST(SliderGeometry, EveryKnobPositionReadsBackAsItsValue) {

@@ -60,9 +60,7 @@ bool UninstallKeyExists() {
 std::set<std::wstring> FolderFiles() {
     std::set<std::wstring> names;
     std::error_code missing;
-    for (const auto& entry : fs::directory_iterator(kInstallFolder, missing)) {
-        names.insert(entry.path().filename().wstring());
-    }
+    for (const auto& entry : fs::directory_iterator(kInstallFolder, missing)) names.insert(entry.path().filename());
     return names;
 }
 
@@ -148,10 +146,9 @@ TEST(Setup, InstallsForTheUserUpgradesOverTheRunningProgramAndUninstallsKeepingT
     const std::wstring uninstallCommand = UninstallValue(L"UninstallString");
     ASSERT_EQ(Process(uninstallCommand.substr(1, uninstallCommand.size() - 2), L"/S").WaitForExit(kSetupDeadlineMs), 0);
     const std::set<std::wstring> driversFiles = {L"Veltor_profiles.ini", kRecording};
-    EXPECT_TRUE(WaitUntil([&] { return FolderFiles() == driversFiles && !UninstallKeyExists(); }, kSetupDeadlineMs));
-    EXPECT_EQ(FolderFiles(), driversFiles);
+    EXPECT_TRUE(WaitUntil([&] { return FolderFiles() == driversFiles && !UninstallKeyExists(); }, kSetupDeadlineMs))
+        << FolderFiles().size() << " files left";
     EXPECT_TRUE(ReadAll(kInstallFolder / L"Veltor_profiles.ini") == profiles) << "the uninstaller changed the profiles";
-    EXPECT_FALSE(UninstallKeyExists());
     EXPECT_FALSE(fs::exists(kShortcut));
     RemoveInstallation();
 }

@@ -315,8 +315,6 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
         {"untrusted certificate", offer, "switch untrusted", 0,
          {L"Update check failed: The update server did not respond."}, false},
         {"lower version", Manifest("0.1.0.9", ""), "", 0, {L"No update available. Current version: 0.1.0.134."}, false},
-        {"same version with notes", Manifest("0.1.0.134", "Same build, new notes."), "", 0,
-         {L"No update available. Current version: 0.1.0.134.", L"Feed note: Same build, new notes."}, false},
         {"signed by scripts/package", ReadAll(packaged / "latest.json"), "", 0,
          {L"No update available. Current version: 0.1.0.134.", L"Feed note: Packaged by the test"}, false,
          ReadAll(packaged / "latest.json.sig")},
@@ -353,8 +351,7 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(BoxText(box), L"Version 0.1.0.135 is available.\n\n"
                             L"Download the new app and analyzer, replace the current files, and restart now?");
-    std::error_code ignored;
-    fs::remove(folder / L"Veltor_profiles.ini", ignored);
+    fs::remove(folder / L"Veltor_profiles.ini");
     Click(GetDlgItem(box, IDYES));
     // The old program goes down by the normal close, to the end of its message loop, saving the profiles.
     EXPECT_EQ(program.WaitForExit(), 0);
@@ -363,9 +360,8 @@ TEST_F(UpdateFlow, EachFailedUpdateSaysWhyAndKeepsTheProgramTheAcceptedOneRestar
     HWND next = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (next = FindWindowW(kMainClass, L"Gripline v0.1.0.135")) != nullptr; }))
         << "the new version did not start";
-    EXPECT_TRUE(ServerLogged("GET /uploads/veltor/commercial/latest.json.sig?v=0.1.0.134 Veltor Updater/0.1.0.134\n"));
-    EXPECT_TRUE(ServerLogged("GET " + kAppPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
-    EXPECT_TRUE(ServerLogged("GET " + kAnalyzerPath + "?v=0.1.0.135 Veltor Updater/0.1.0.134\n"));
+    // The files came from the feed (the host flow's test pins the paths it asks for; the notice's request
+    // above, how they reach the server).
     EXPECT_TRUE(ReadAll(app) == NewApp()) << "the program was not replaced";
     EXPECT_EQ(ReadAll(analyzer), kNewAnalyzer) << "the analyzer was not replaced";
     EXPECT_FALSE(fs::exists(kNewAppFile));

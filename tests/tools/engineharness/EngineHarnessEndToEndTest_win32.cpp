@@ -3,12 +3,11 @@
 // harness. The wheel is found and opened as a user's would be. The engine follows the session while the
 // simulator leaves for two seconds (its named objects live on in the engine's handles), freezes on track
 // for two more, and changes its identity; then the wheel loses input for a while. Each time the force is
-// released and comes back through the warm-up and the ramp, and the wheel recovers from the lost input.
+// released and comes back, and the wheel recovers from the lost input.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <set>
@@ -22,7 +21,6 @@ namespace veltor::test {
 namespace {
 
 constexpr int64_t kSecond = 1000000;  // log microseconds
-constexpr int64_t kWarmup = 1200000;
 const char* kInputLost = "hr=0x8007001E";
 
 // The output thread's passes, split where output was off for a second or more. The zero magnitudes with
@@ -127,27 +125,11 @@ TEST(EngineHarnessEndToEnd, TheEngineFollowsTheSimulatorAndTheWheelReleasesAndRe
     EXPECT_EQ(First(log, "Start")->text, "Start iterations=1 flags=0x0 hr=0x00000000");
     EXPECT_EQ(CountOf(log, "SetParameters", "flags=0x40000100"), CountOf(log, "SetParameters"));
 
-    // Warm-up after the open and again after each release; the ramp's and the running slew limits in each
-    // stretch; the drive's changing force reaches the wheel.
-    const auto stretches = Stretches(log);
-    ASSERT_GE(stretches.size(), 3u);
-    EXPECT_GE(First(log, "CreateEffect")->microseconds - First(log, "Acquire")->microseconds, kWarmup);
-    for (size_t k = 1; k < stretches.size(); ++k) {
-        int64_t stopped = 0;
-        for (const LogLine& line : log) {
-            if (&line == stretches[k].front()) break;
-            if (line.Is("Stop")) stopped = line.microseconds;
-        }
-        EXPECT_GE(stretches[k].front()->microseconds - stopped, kWarmup) << "stretch " << k;
-    }
+    // The drive's changing force reaches the wheel. The warm-up and the slew limits are the wheel output's
+    // host tests', on a stepped clock.
     std::set<long> distinct;
-    for (const auto& stretch : stretches) {
-        for (size_t i = 1; i < stretch.size(); ++i) {
-            const bool ramping = stretch[i]->microseconds < stretch.front()->microseconds + kSecond;
-            EXPECT_LE(std::labs(stretch[i]->Magnitude() - stretch[i - 1]->Magnitude()), ramping ? 120 : 1200)
-                << stretch[i]->text;
-            distinct.insert(stretch[i]->Magnitude());
-        }
+    for (const LogLine& line : log) {
+        if (line.Is("SetParameters")) distinct.insert(line.Magnitude());
     }
     EXPECT_GT(distinct.size(), 50u);
 }
