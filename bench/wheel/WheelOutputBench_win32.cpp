@@ -127,27 +127,6 @@ int64_t Percentile(std::vector<int64_t> values, double fraction) {
     return values[static_cast<size_t>(fraction * static_cast<double>(values.size() - 1))];
 }
 
-// As many threads as the machine has hardware threads, spinning at normal priority: a busy PC.
-class Load {
-public:
-    explicit Load(unsigned threads) {
-        for (unsigned i = 0; i < threads; ++i) {
-            spinners.emplace_back([this] {
-                volatile uint64_t work = 0;
-                while (!stop.load(std::memory_order_relaxed)) work = work + 1;
-            });
-        }
-    }
-    ~Load() {
-        stop.store(true);
-        for (std::thread& spinner : spinners) spinner.join();
-    }
-
-private:
-    std::atomic<bool> stop{false};
-    std::vector<std::thread> spinners;
-};
-
 // For each tick's first output (a value that differs from the one before it), the first SetParameters at or
 // after the store that carries it, measured from the event of the tick; a value overtaken by the next store
 // before any pass sent it is missed.
