@@ -37,6 +37,9 @@ inline constexpr UINT kButtonTimerMilliseconds = 50;
 // the right edge, below the strip's rule.
 RECT ForceMeterArea(const RECT& client);
 
+// The text of an edit control.
+std::wstring WholeText(HWND edit);
+
 // Everything the process owns, by value: the window and its resources, the settings, the wheels and the
 // engine. One automatic object of the entry routine; the GUI thread alone touches it, except for what
 // FfbEngine shares with its own threads.
@@ -137,6 +140,7 @@ public:
     HWND TorqueEdit = nullptr;
     HWND LogEdit = nullptr;
     HWND LogWindow = nullptr;
+    size_t LogPanelLines = 0;  // lines appended since the panel was last trimmed, or since start
     std::wstring LastRecordingPath;
     std::wstring ConnectionText = L"iRacing disconnected";
     std::wstring TrackText = L"Not on track";

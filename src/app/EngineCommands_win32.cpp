@@ -31,12 +31,6 @@ void ShowRunningButtons(App& app, bool running) {
     EnableWindow(app.StopRecButton, FALSE);
 }
 
-std::wstring WholeText(HWND edit) {
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
-    text.resize(static_cast<size_t>(std::max(GetWindowTextW(edit, text.data(), static_cast<int>(text.size())), 0)));
-    return text;
-}
-
 // The save dialog's answer, or empty when the user cancelled.
 std::wstring AskRecordingPath(HWND owner, const std::wstring& proposed) {
     wchar_t path[kRecordingPathChars] = {};

@@ -1,9 +1,12 @@
 #include "app/App.h"
 
+#include <algorithm>
+#include <optional>
 #include <string>
 
 #include "app/ControlCatalogue.h"
 #include "app/ControlIds.h"
+#include "app/SessionLog.h"
 #include "app/TorqueField.h"
 #include "settings/ValueText.h"
 #include "ui/Theme.h"
@@ -66,6 +69,16 @@ void AppendTo(HWND edit, const wchar_t* line) {
     const int end = GetWindowTextLengthW(edit);
     SendMessageW(edit, EM_SETSEL, end, end);
     SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(line));
+    SendMessageW(edit, EM_SCROLLCARET, 0, 0);
+}
+
+// Replaces the oldest lines with the notice; without undo, so that the control lets go of them.
+void TrimStart(HWND edit, const LogTrim& trim) {
+    if (edit == nullptr || !IsWindow(edit)) return;
+    SendMessageW(edit, EM_SETSEL, 0, static_cast<LPARAM>(trim.cutChars));
+    SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(trim.notice.c_str()));
+    const int end = GetWindowTextLengthW(edit);
+    SendMessageW(edit, EM_SETSEL, end, end);
     SendMessageW(edit, EM_SCROLLCARET, 0, 0);
 }
 
@@ -175,6 +188,19 @@ void App::AppendLog(const std::wstring& text) {
     line[kept + 2] = L'\0';
     AppendTo(LogEdit, line);
     AppendTo(LogWindow, line);
+    if (++LogPanelLines <= kKeptLogLines + kLogTrimBatch) return;
+    // The log window holds the same text as the panel, so the same cut fits both.
+    if (const std::optional<LogTrim> trim = PlanLogTrim(WholeText(LogEdit))) {
+        TrimStart(LogEdit, *trim);
+        TrimStart(LogWindow, *trim);
+    }
+    LogPanelLines = kKeptLogLines;
+}
+
+std::wstring WholeText(HWND edit) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
+    text.resize(static_cast<size_t>(std::max(GetWindowTextW(edit, text.data(), static_cast<int>(text.size())), 0)));
+    return text;
 }
 
 }  // namespace veltor

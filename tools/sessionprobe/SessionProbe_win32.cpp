@@ -9,10 +9,12 @@
 //   value ID                prints the value that the slider with this id shows
 //   car                     prints the car path that the car panel's label names
 //   wait-log TEXT [SECONDS [FROM]]
-//                           waits until the session log holds TEXT (default 60 s), from its FROMth character on;
+//                           waits until the session log holds TEXT (default 60 s), from its line FROM on;
 //                           "A|B" waits for either
-//   log [FROM]              prints the session log (from its FROMth character on)
-//   log-length              prints the number of characters in the session log
+//   log [FROM]              prints the session log panel, or the log from its line FROM on (an error when the
+//                           panel no longer keeps them all)
+//   log-length              prints the number of lines the session log has said, the ones the panel dropped
+//                           included: a mark for wait-log and log
 //   log-window              opens the log window with "View log", sees it painted with the whole log, closes it
 //   close                   closes the window as its close box does
 //   analyzer                waits for the analyzer's window with a recording open; prints its rectangle
@@ -37,6 +39,7 @@
 #include <cwchar>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 
 #include "ForceFlow.h"
@@ -44,6 +47,7 @@
 #include "SaveDialog_win32.h"
 #include "WheelButtonsProbe.h"
 #include "analyzer/AnalyzerLayout.h"
+#include "app/SessionLog.h"
 #include "ui/SliderGeometry.h"
 
 namespace {
@@ -135,15 +139,33 @@ bool HoldsAny(const std::wstring& log, const std::wstring& texts, size_t from) {
     }
 }
 
-int WaitForLog(HWND window, const std::wstring& text, double seconds, size_t from) {
+int WaitForLog(HWND window, const std::wstring& text, double seconds, uint64_t fromLine) {
     const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(seconds * 1000.0);
-    while (!HoldsAny(LogText(window), text, from)) {
+    for (;;) {
+        const std::wstring log = LogText(window);
+        if (HoldsAny(log, text, veltor::LineOffset(log, fromLine))) return 0;
         if (GetTickCount64() > until || !IsWindow(window)) {
             std::fprintf(stderr, "the session log never said \"%s\"\n", Utf8(text).c_str());
             return 1;
         }
         Sleep(kLogPollMs);
     }
+}
+
+// The log from its line `fromLine` on, or the whole panel (its notice included) without one. Lines since
+// `fromLine` that the panel no longer keeps are an error: whoever reads the log piecewise would miss them.
+int PrintLog(HWND window, std::optional<uint64_t> fromLine) {
+    const std::wstring log = LogText(window);
+    if (!fromLine) {
+        std::fputs(Utf8(log).c_str(), stdout);
+        return 0;
+    }
+    if (*fromLine < veltor::DroppedLines(log)) {
+        std::fprintf(stderr, "the session log no longer keeps its lines from %llu on (%llu dropped)\n",
+                     static_cast<unsigned long long>(*fromLine), static_cast<unsigned long long>(veltor::DroppedLines(log)));
+        return 1;
+    }
+    std::fputs(Utf8(log.substr(veltor::LineOffset(log, *fromLine))).c_str(), stdout);
     return 0;
 }
 
@@ -322,16 +344,11 @@ int main(int argc, char** argv) {
     if (command == "bind" && argc > 4) return sessionprobe::BindWheelButton(window, std::atoi(argv[2]), Wide(argv[3]), argv[4]);
     if (command == "wait-log" && argc > 2) {
         return WaitForLog(window, Wide(argv[2]), argc > 3 ? std::atof(argv[3]) : 60.0,
-                          argc > 4 ? static_cast<size_t>(std::atoll(argv[4])) : 0);
+                          argc > 4 ? std::strtoull(argv[4], nullptr, 10) : 0);
     }
-    if (command == "log") {
-        const std::wstring log = LogText(window);
-        const size_t from = std::min(argc > 2 ? static_cast<size_t>(std::atoll(argv[2])) : 0, log.size());
-        std::fputs(Utf8(log.substr(from)).c_str(), stdout);
-        return 0;
-    }
+    if (command == "log") return PrintLog(window, argc > 2 ? std::optional(std::strtoull(argv[2], nullptr, 10)) : std::nullopt);
     if (command == "log-length") {
-        std::printf("%zu\n", LogText(window).size());
+        std::printf("%llu\n", static_cast<unsigned long long>(veltor::LogLineCount(LogText(window))));
         return 0;
     }
     if (command == "log-window") return OpenAndCloseLogWindow(window);
