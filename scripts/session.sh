@@ -37,7 +37,9 @@ session_fail() {
 step() {
   local description="$1"
   shift
-  "$@" || session_fail "step failed: $description"
+  local code=0
+  "$@" || code=$?
+  if [ "$code" -ne 0 ]; then session_fail "step failed: $description (exit $code)"; fi
 }
 
 session_started() { session_pids+=("$1"); }
