@@ -123,12 +123,17 @@ bool Simulator::PublishBlock(std::string& error) {
     uint32_t code = 0;
     block = publisher::Publish(layout->BlockSize(), code);
     if (block == nullptr) {
-        error = "cannot create the named mapping and event (error " + std::to_string(code) + ")";
+        error = "cannot create the named mapping (error " + std::to_string(code) + ")";
         return false;
     }
     layout->WriteLayout(block);
     PublishSessionInfo(sessionText);
     layout->SetStatus(block, irsdk::kStatusConnected);
+    if (!publisher::Announce(code)) {
+        block = nullptr;
+        error = "cannot create the data-valid event (error " + std::to_string(code) + ")";
+        return false;
+    }
     return true;
 }
 

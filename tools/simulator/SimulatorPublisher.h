@@ -9,9 +9,13 @@
 // calls all of these.
 namespace veltor::sim::publisher {
 
-// Creates "Local\IRSDKMemMapFileName" of `size` bytes, zeroed, and the auto-reset event
-// "Local\IRSDKDataValidEvent". Returns the writable base, or null with the platform's error in `error`.
+// Creates "Local\IRSDKMemMapFileName" of `size` bytes, zeroed. Returns the writable base, or null with the
+// platform's error in `error`.
 uint8_t* Publish(size_t size, uint32_t& error);
+// Creates the auto-reset event "Local\IRSDKDataValidEvent" once the block holds its layout: a reader opens
+// only when both exist and looks its variables up once, so it must never find a block still being written.
+// False (the names withdrawn) with the platform's error in `error`.
+bool Announce(uint32_t& error);
 // Closes the names, as the simulator's exit does. A reader that still holds them keeps its view.
 void Withdraw();
 void SignalDataValid();

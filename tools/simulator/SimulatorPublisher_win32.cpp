@@ -63,9 +63,7 @@ uint8_t* Publish(size_t size, uint32_t& error) {
     gMapping = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, static_cast<DWORD>(size64 >> 32),
                                   static_cast<DWORD>(size64), L"Local\\IRSDKMemMapFileName");
     if (gMapping != nullptr) gView = MapViewOfFile(gMapping, FILE_MAP_ALL_ACCESS, 0, 0, size);
-    // Auto-reset: each set wakes one waiter, as the simulator's own event does.
-    gEvent = CreateEventW(nullptr, FALSE, FALSE, L"Local\\IRSDKDataValidEvent");
-    if (gMapping == nullptr || gView == nullptr || gEvent == nullptr) {
+    if (gMapping == nullptr || gView == nullptr) {
         error = GetLastError();
         Withdraw();
         return nullptr;
@@ -74,6 +72,14 @@ uint8_t* Publish(size_t size, uint32_t& error) {
     // A reader that kept the old object open hands it back to us with its old contents.
     std::memset(gView, 0, size);
     return static_cast<uint8_t*>(gView);
+}
+
+bool Announce(uint32_t& error) {
+    // Auto-reset: each set wakes one waiter, as the simulator's own event does.
+    gEvent = CreateEventW(nullptr, FALSE, FALSE, L"Local\\IRSDKDataValidEvent");
+    error = gEvent != nullptr ? 0 : GetLastError();
+    if (gEvent == nullptr) Withdraw();
+    return gEvent != nullptr;
 }
 
 void Withdraw() {
