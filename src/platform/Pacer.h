@@ -46,10 +46,14 @@ public:
         SpinUntil(deadline);
     }
 
-    // Sleep only, aiming the typical wake-up at `deadline`: for a pass whose pace matters on average.
+    // Sleep only, aiming the typical wake-up at `deadline`: for a pass whose pace matters on average. The
+    // narrowest kind that can sleep so short (whole milliseconds cannot sleep less than one).
     void SleepNear(int64_t deadline) {
-        const int kind = Narrowest();
-        Sleep(kind, deadline - margins[kind].Quantile(500));
+        int order[Sleeps::kKinds];
+        const int offered = KindsByMargin(order);
+        for (int i = 0; i < offered; ++i) {
+            if (Sleep(order[i], deadline - margins[order[i]].Quantile(500))) return;
+        }
     }
 
     // The margin of the kind in use now, in nanoseconds.

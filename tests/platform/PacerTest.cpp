@@ -92,6 +92,19 @@ TEST_F(PacerTest, TrialsFindTheKindThatWakesClosest) {
     EXPECT_LT(pacer.Margin(), 150 * kUs);
 }
 
+// A pass that sleeps near its time gives way to the next kind when the narrowest cannot sleep so short (whole
+// milliseconds for a pass of less than one): it must sleep, not return at once and run the pass early.
+TEST_F(PacerTest, SleepNearFallsBackToAKindThatCanSleepSoShort) {
+    SteppedSleeps::offered[1] = true;
+    SteppedSleeps::lateness[1] = 80 * kUs;
+    SteppedSleeps::shortest[0] = 1000 * kUs;
+    for (int pass = 1; pass <= 100; ++pass) {
+        pacer.SleepNear(SteppedSleeps::now + 900 * kUs);
+        ASSERT_EQ(SteppedSleeps::sleeps[1], pass);
+    }
+    EXPECT_EQ(SteppedSleeps::sleeps[0], 0);
+}
+
 // The platform's own sleeps: each kind it offers asks for a wake-up no later than the one wanted, and the
 // thread does not come back before it.
 TEST(SystemSleeps, EachOfferedKindWakesAfterWhatItAskedFor) {
