@@ -4,7 +4,8 @@
 // run, the lateness of each store to commandedForce against its target offset from t0, the latency from
 // the event being set to the first store of the tick, the pacer's learned margin, and the CPU time of the
 // engine and output threads. Each condition first measures the platform's floor, a bare thread woken by the
-// event with no engine, and prints each latency as a ratio to it, and beside it how late a bare sleep wakes.
+// event with no engine, and prints each latency as a ratio to it, and beside it how late a bare sleep wakes;
+// a bare sleep also runs beside the engine as its witness.
 #include <pthread.h>
 #include <time.h>
 
@@ -199,10 +200,17 @@ void RunMode(int mode, int seconds, const Floor& floor) {
     const bool threadsKnown = gEngineKnown.load() && gOutputKnown.load();
     const double engineBefore = threadsKnown ? ThreadCpuSeconds(gEngineThread) : 0.0;
     const double outputBefore = threadsKnown ? ThreadCpuSeconds(gOutputThread) : 0.0;
+    // A witness beside the engine: a bare sleep to a deadline on the stores' grid in the same seconds, so
+    // that a stall of the machine shows in both maxima, not in one run only.
+    std::atomic<bool> witnessDone{false};
+    std::vector<int64_t> witness;
     gRecording.store(true);
     const auto begin = std::chrono::steady_clock::now();
+    std::thread witnessThread([&] { witness = BareSleepLateness(witnessDone); });
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     gRecording.store(false);
+    witnessDone.store(true);
+    witnessThread.join();
     const double engineAfter = threadsKnown ? ThreadCpuSeconds(gEngineThread) : 0.0;
     const double outputAfter = threadsKnown ? ThreadCpuSeconds(gOutputThread) : 0.0;
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
@@ -216,6 +224,8 @@ void RunMode(int mode, int seconds, const Floor& floor) {
                 latency.size());
     std::printf("    lateness vs target offset from t0 (us): p50 %.1f  p99 %.1f  max %.1f\n",
                 Percentile(lateness, 0.50), Percentile(lateness, 0.99), Percentile(lateness, 1.0));
+    std::printf("    witness: bare sleep to a deadline every 1380 us in the same seconds, %zu sleeps (us): p50 %.1f  p99 %.1f  max %.1f\n",
+                witness.size(), Percentile(witness, 0.50), Percentile(witness, 0.99), Percentile(witness, 1.0));
     const double p50 = Percentile(latency, 0.50);
     const double p99 = Percentile(latency, 0.99);
     std::printf("    event set -> first store of the tick (us): p50 %.1f (%.1fx floor)  p99 %.1f (%.1fx floor)\n", p50,
