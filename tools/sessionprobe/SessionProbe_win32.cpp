@@ -109,7 +109,11 @@ long long UnixMilliseconds() {
 
 int Press(HWND window, int id) {
     HWND control = GetDlgItem(window, id);
-    if (control == nullptr) return 1;
+    if (control == nullptr) {
+        std::fprintf(stderr, "no control %d in the window %p \"%s\"\n", id, static_cast<void*>(window),
+                     Utf8(WholeText(window)).c_str());
+        return 1;
+    }
     RECT rect;
     GetWindowRect(control, &rect);
     SetForegroundWindow(window);
@@ -174,7 +178,10 @@ int PrintLog(HWND window, std::optional<uint64_t> fromLine) {
 int Slide(HWND window, int id, double fraction) {
     HWND slider = GetDlgItem(window, id);
     HWND valueText = GetWindow(slider, GW_HWNDPREV);
-    if (slider == nullptr || valueText == nullptr || fraction < 0.0 || fraction > 1.0) return 2;
+    if (slider == nullptr || valueText == nullptr || fraction < 0.0 || fraction > 1.0) {
+        std::fprintf(stderr, "no slider %d with its value text, or a fraction outside 0 to 1\n", id);
+        return 2;
+    }
     RECT client;
     GetClientRect(slider, &client);
     const double track = static_cast<double>(client.right - 2 * veltor::kSliderTrackInset);
