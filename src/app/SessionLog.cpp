@@ -12,7 +12,10 @@ size_t NoticeChars(std::wstring_view panel, uint64_t* dropped) {
     if (!panel.starts_with(kNoticeStart)) return 0;
     uint64_t count = 0;
     size_t at = kNoticeStart.size();
-    for (; at < panel.size() && panel[at] >= L'0' && panel[at] <= L'9' && at < 21; ++at) count = count * 10 + static_cast<uint64_t>(panel[at] - L'0');
+    // Up to 19 digits: no count that fits the type is longer.
+    for (; at < panel.size() && at <= 19 && panel[at] >= L'0' && panel[at] <= L'9'; ++at) {
+        count = count * 10 + static_cast<uint64_t>(panel[at] - L'0');
+    }
     if (at == kNoticeStart.size() || panel.substr(at, kNoticeEnd.size()) != kNoticeEnd) return 0;
     if (dropped != nullptr) *dropped = count;
     return at + kNoticeEnd.size();
@@ -20,7 +23,9 @@ size_t NoticeChars(std::wstring_view panel, uint64_t* dropped) {
 
 size_t CountLines(std::wstring_view text) {
     size_t lines = 0;
-    for (size_t at = text.find(kLineEnd); at != std::wstring_view::npos; at = text.find(kLineEnd, at + kLineEnd.size())) ++lines;
+    for (size_t at = text.find(kLineEnd); at != std::wstring_view::npos; at = text.find(kLineEnd, at + kLineEnd.size())) {
+        ++lines;
+    }
     return lines;
 }
 
