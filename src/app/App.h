@@ -39,6 +39,8 @@ RECT ForceMeterArea(const RECT& client);
 
 // The text of an edit control.
 std::wstring WholeText(HWND edit);
+// The caret after an edit control's last character, and the view on it.
+void ScrollToEnd(HWND edit);
 
 // Everything the process owns, by value: the window and its resources, the settings, the wheels and the
 // engine. One automatic object of the entry routine; the GUI thread alone touches it, except for what

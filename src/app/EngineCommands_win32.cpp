@@ -146,9 +146,7 @@ void App::ShowLogWindow() {
     const std::wstring text = WholeText(LogEdit);
     SendMessageW(LogWindow, EM_SETSEL, 0, -1);
     SendMessageW(LogWindow, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));
-    const int end = GetWindowTextLengthW(LogWindow);
-    SendMessageW(LogWindow, EM_SETSEL, end, end);
-    SendMessageW(LogWindow, EM_SCROLLCARET, 0, 0);
+    ScrollToEnd(LogWindow);
     ShowWindow(LogWindow, SW_SHOWNORMAL);
     SetForegroundWindow(LogWindow);
 }

@@ -77,9 +77,7 @@ void TrimStart(HWND edit, const LogTrim& trim) {
     if (edit == nullptr || !IsWindow(edit)) return;
     SendMessageW(edit, EM_SETSEL, 0, static_cast<LPARAM>(trim.cutChars));
     SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(trim.notice.c_str()));
-    const int end = GetWindowTextLengthW(edit);
-    SendMessageW(edit, EM_SETSEL, end, end);
-    SendMessageW(edit, EM_SCROLLCARET, 0, 0);
+    ScrollToEnd(edit);
 }
 
 }  // namespace
@@ -195,6 +193,12 @@ void App::AppendLog(const std::wstring& text) {
         TrimStart(LogWindow, *trim);
     }
     LogPanelLines = kKeptLogLines;
+}
+
+void ScrollToEnd(HWND edit) {
+    const int end = GetWindowTextLengthW(edit);
+    SendMessageW(edit, EM_SETSEL, end, end);
+    SendMessageW(edit, EM_SCROLLCARET, 0, 0);
 }
 
 std::wstring WholeText(HWND edit) {

@@ -164,9 +164,10 @@ int PrintLog(HWND window, std::optional<uint64_t> fromLine) {
         std::fputs(Utf8(log).c_str(), stdout);
         return 0;
     }
-    if (*fromLine < veltor::DroppedLines(log)) {
+    const uint64_t dropped = veltor::DroppedLines(log);
+    if (*fromLine < dropped) {
         std::fprintf(stderr, "the session log no longer keeps its lines from %llu on (%llu dropped)\n",
-                     static_cast<unsigned long long>(*fromLine), static_cast<unsigned long long>(veltor::DroppedLines(log)));
+                     static_cast<unsigned long long>(*fromLine), static_cast<unsigned long long>(dropped));
         return 1;
     }
     std::fputs(Utf8(log.substr(veltor::LineOffset(log, *fromLine))).c_str(), stdout);
